@@ -1,0 +1,47 @@
+#pragma once
+
+#include "hx/HxBase.h"
+#include "mc/McHandle.h"
+
+class HxData;
+
+/// Base of the editors that are attached to a data object. An attached editor is referenced by the host and
+/// keeps its data object alive; it is detached when the data object leaves the pool.
+class HxEditor : public HxBase
+{
+public:
+    /// dataInterface: the interface that the editor works on.
+    explicit HxEditor(McTypeId dataInterface);
+
+    McTypeId getTypeId() const override;
+    ~HxEditor() override;
+    int parse(Tcl_Interp* interp, int wordCount, char** words) override;
+
+    /// True if the object can be edited: it offers the declared interface.
+    virtual bool typeCheck(HxData* data);
+    virtual void startEditing(HxData* data) = 0;
+    virtual void stopEditing() = 0;
+
+    static void initClass();
+    static McTypeId getClassTypeId();
+
+    /// Begins to edit: the object's former editor is detached, as is this one from its former object.
+    /// Returns false, and changes nothing, when typeCheck refuses the object.
+    bool attach(HxData* data);
+
+    /// Ends the editing: stopEditing, then the object's editor entry is cleared and the host's reference
+    /// dropped, which may delete the editor. Does nothing when the editor is not attached.
+    void detach();
+
+    /// The object that the editor is attached to, null when there is none.
+    HxData* data() const;
+
+    /// The editor that is attached to an object, null when there is none.
+    static HxEditor* editorOf(const HxData* data);
+
+    McTypeId dataInterface() const { return editedInterface; }
+
+private:
+    McTypeId editedInterface;
+    McHandle<HxData> attachedData;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "mc/McHandle.h"
+
+#include <string>
+#include <vector>
+
+class HxObject;
+class HxSubApplication;
+class McException;
+
+/// A full-window mode that a package's resource file announced.
+struct HxSubApplicationEntry
+{
+    HxSubApplicationEntry();
+    ~HxSubApplicationEntry();
+    HxSubApplicationEntry(const HxSubApplicationEntry&);
+    HxSubApplicationEntry& operator=(const HxSubApplicationEntry&);
+
+    std::string className;
+    std::string title;
+    std::string icon;                    ///< file in the package's resource folder, may be empty
+    McHandle<HxSubApplication> instance; ///< null until made
+};
+
+/// Things that the program has by name: classes, sub-applications, its own address.
+class HxResource
+{
+public:
+    /// Filled from package resource files only; empty means that editors run in the normal window.
+    static std::vector<HxSubApplicationEntry> mSubApplications;
+
+    /// A new pool object of a class, with count 0; loads the class's package when needed. Null for an
+    /// unknown class, one that has no objects of its own, and one that is no pool object.
+    static HxObject* createObject(const char* className);
+
+    /// Makes the instance of the entry of this class, if it has none yet. Null for a class without entry.
+    static HxSubApplication* subApplication(const char* className);
+
+    /// Reports an exception of the host: 0 in a modal error dialog; 1 on the console only, for event
+    /// handlers, where a dialog would re-enter.
+    static void handleException(const McException& exception, int consoleOnly = 0);
+
+    /// The name under which other processes of this machine reach this one.
+    static const char* localHost() { return "127.0.0.1"; }
+};
