@@ -1,0 +1,10 @@
+#include "mc/McInterface.h"
+
+McInterface::~McInterface() = default;
+
+McInterfaceOwner::~McInterfaceOwner() = default;
+
+McInterface* McInterfaceOwner::getInterface(McTypeId)
+{
+    return nullptr;
+}

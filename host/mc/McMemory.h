@@ -1,0 +1,16 @@
+#pragma once
+
+/// Memory of volumes. It comes from `malloc` and is given back with `free`, wherever a buffer changes owner.
+
+/// Product of a count and an element size; the largest number if it does not fit.
+unsigned long mcByteCount(unsigned long count, unsigned long elementSize);
+
+/// Bytes of a volume of dims[0] x dims[1] x dims[2] elements, saturating as above.
+unsigned long mcVolumeBytes(const unsigned long* dims, unsigned long elementSize);
+
+/// Uninitialised memory; never null, also for 0 bytes.
+/// throws  McMemoryException with the size asked for
+void* mcAllocate(unsigned long bytes);
+
+/// The same, with all bytes 0. Pages of a large block cost nothing until they are touched.
+void* mcAllocateZeroed(unsigned long bytes);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "mc/McException.h"
+
+/// Memory that could not be had. Carries the number of bytes, for the message to the user.
+class McMemoryException : public McException
+{
+public:
+    explicit McMemoryException(unsigned long bytes);
+
+    /// Bytes that were asked for; the largest number if the count itself did not fit.
+    unsigned long size() const { return bytes; }
+
+private:
+    unsigned long bytes;
+};

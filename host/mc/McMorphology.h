@@ -1,0 +1,25 @@
+#pragma once
+
+#include "mc/McBitfield.h"
+#include "mc/McDArray.h"
+#include "mc/McVec.h"
+
+/// Morphology of a volume of bits, dims[0] x dims[1] x dims[2] voxels, x fastest, over the six face
+/// neighbours. The fields hold one bit per voxel.
+///
+/// All throw McMemoryException. `result` is a field other than the source; the calls size it themselves.
+class McMorphology
+{
+public:
+    /// Sets the voxels that are connected to a seed through voxels of `source` that equal `value`.
+    /// A seed of the other value, or outside the volume, marks nothing.
+    static void floodfill(const McBitfield& source, McBitfield& result, const McDArray<McVec3i>& seeds,
+                          bool value, const int* dims);
+
+    /// Sets the voxels that are set in `bits` together with all their neighbours, `width` times over.
+    /// Voxels outside the volume do not count: its border does not erode. Width 0 copies.
+    static void erosion3D(const McBitfield& bits, McBitfield& result, const int* dims, int width);
+
+    /// Sets the voxels that are set in `bits` or have a neighbour there, `width` times over.
+    static void dilation3D(const McBitfield& bits, McBitfield& result, const int* dims, int width);
+};

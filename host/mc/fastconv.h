@@ -1,0 +1,20 @@
+#pragma once
+
+/// Prepares the kernel of fastconv(). One state for the whole program: call it on the main thread, before
+/// any team of threads filters with it.
+///
+/// kernel      half a kernel: the centre, then kernelSize - 1 weights that hold for both sides
+/// kernelSize  below 2: fastconv() copies
+///
+/// Weights are rounded to 1/65536. If they add up to 1 within 0.001, the centre takes up the rounding, so
+/// that a constant line stays exactly constant.
+void initPackedLuts(const float* kernel, int kernelSize);
+
+/// Filters one line of bytes with the prepared kernel. Beyond its ends the line repeats its end samples.
+/// Results are rounded and limited to 0..255.
+///
+/// stride  bytes from one sample to the next, in both arrays, which must not overlap
+/// throws  McMemoryException
+///
+/// Safe to call from many threads at once.
+void fastconv(const unsigned char* in, int count, int stride, unsigned char* out);
