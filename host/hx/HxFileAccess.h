@@ -1,0 +1,35 @@
+#pragma once
+
+#include "mc/McDArray.h"
+#include "mc/McString.h"
+
+#include <functional>
+
+class HxData;
+
+/// Reading and writing of data files, by whichever code registered for it.
+///
+/// The object model asks here, so that it does not depend on file formats. All functions report
+/// with one sentence that names the file; an exception of the reader or writer becomes such a
+/// report as well.
+class HxFileAccess
+{
+public:
+    /// Several paths, or a folder, are one series. `asLabels`: make a label field.
+    using Reader = std::function<HxData*(const McDArray<McString>& paths, bool asLabels, McString& error)>;
+    using Writer = std::function<bool(HxData* data, const char* path, McString& error)>;
+
+    static void setReader(Reader reader);
+    static void setWriter(Writer writer);
+
+    /// A new object with its label and file name set, not yet in the pool; the caller owns it.
+    /// Null, with `error` set, on failure.
+    static HxData* load(const McDArray<McString>& paths, bool asLabels, McString& error);
+
+    /// False, with `error` set, on failure. Success sets the object's file name.
+    static bool save(HxData* data, const char* path, McString& error);
+
+private:
+    friend class HxData;
+    static bool write(HxData* data, const char* path, McString& error);
+};
