@@ -1,0 +1,90 @@
+#include "core/GiAcceptRow.h"
+
+#include "mc/McSimd.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+template <class T>
+[[gnu::always_inline]] inline void acceptWindow(const T* values, unsigned long n, T min, T max,
+                                                unsigned char* __restrict accepted)
+{
+    for (unsigned long i = 0; i < n; ++i)
+        accepted[i] = static_cast<unsigned char>(-((values[i] >= min) & (values[i] <= max)));
+}
+
+} // namespace
+
+MC_TARGET_CLONES
+void giAcceptWindow(const unsigned char* values, unsigned long n, unsigned char min, unsigned char max,
+                    unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giAcceptWindow(const short* values, unsigned long n, short min, short max, unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giAcceptWindow(const unsigned short* values, unsigned long n, unsigned short min, unsigned short max,
+                    unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giAcceptWindow(const int* values, unsigned long n, int min, int max, unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giAcceptWindow(const unsigned int* values, unsigned long n, unsigned int min, unsigned int max,
+                    unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giAcceptWindow(const float* values, unsigned long n, float min, float max, unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giAcceptWindow(const double* values, unsigned long n, double min, double max, unsigned char* accepted)
+{
+    acceptWindow(values, n, min, max, accepted);
+}
+
+MC_TARGET_CLONES
+void giRefuseOtherLabels(const unsigned char* labels, unsigned long n, unsigned char label,
+                         unsigned char* __restrict accepted)
+{
+    for (unsigned long i = 0; i < n; ++i)
+        accepted[i] = static_cast<unsigned char>(accepted[i] & -(labels[i] == label));
+}
+
+void giPackAccepted(const unsigned char* accepted, unsigned long n, std::uint64_t* words)
+{
+    for (unsigned long i = 0; i < n; ++i) {
+        const unsigned char* bytes = accepted + i * 64;
+        std::uint64_t word = 0;
+#if defined(__SSE2__)
+        for (int k = 0; k < 4; ++k) {
+            const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 16 * k));
+            word |= static_cast<std::uint64_t>(static_cast<unsigned int>(_mm_movemask_epi8(part)))
+                    << (16 * k);
+        }
+#else
+        for (int k = 0; k < 64; ++k) word |= static_cast<std::uint64_t>(bytes[k] & 1) << k;
+#endif
+        words[i] = word;
+    }
+}

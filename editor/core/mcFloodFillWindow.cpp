@@ -1,0 +1,72 @@
+#include "core/mcFloodFillWindow.h"
+
+#include "core/GiAcceptRow.h"
+#include "core/GiRowFill.h"
+#include "core/mcFloodFill.h"
+#include "mc/McBitfield.h"
+#include "mc/McDArray.h"
+
+namespace {
+
+bool isInside(const unsigned long* dims, long x, long y, long z)
+{
+    return x >= 0 && y >= 0 && z >= 0 && x < static_cast<long>(dims[0]) && y < static_cast<long>(dims[1]) &&
+           z < static_cast<long>(dims[2]);
+}
+
+template <class T>
+GiRowFill::AcceptRow rowTest(const McFillWindow<T>& window, unsigned long nx)
+{
+    McDArray<unsigned char> bytes;
+    const unsigned long words = (nx + 63) / 64;
+    bytes.resize(static_cast<int>(words * 64)); // beyond the row: refused
+    return [window, nx, words, bytes](unsigned long row, std::uint64_t* accepted) mutable {
+        giAcceptWindow(window.values + row * nx, nx, window.min, window.max, bytes.data());
+        if (window.labels && window.label >= 0)
+            giRefuseOtherLabels(window.labels + row * nx, nx, static_cast<unsigned char>(window.label),
+                                bytes.data());
+        giPackAccepted(bytes.data(), words, accepted);
+    };
+}
+
+} // namespace
+
+template <class T>
+unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned long* dims, int x, int y, int z,
+                                McBitfield& visited, int* box)
+{
+    mcSizeVisited(visited, dims[0] * dims[1] * dims[2]);
+
+    long bounds[6] = {x, y, z, x, y, z};
+    unsigned long count = 0;
+    const bool canMatch = !window.labels || window.label < 256;
+    if (canMatch && isInside(dims, x, y, z)) {
+        GiRowFill fill(dims, visited, rowTest(window, dims[0]));
+        count = fill.fill(x, y, z, bounds);
+    }
+    // kept: in a volume of a single row the box stays at the seed. The plain fill widens the box
+    // when it goes on to a neighbouring row, and there is none.
+    if (dims[1] == 1 && dims[2] == 1) bounds[0] = bounds[3] = x;
+    if (box) {
+        for (int axis = 0; axis < 3; ++axis) {
+            box[2 * axis] = static_cast<int>(bounds[axis]);
+            box[2 * axis + 1] = static_cast<int>(bounds[axis + 3]);
+        }
+    }
+    return count;
+}
+
+template unsigned long mcFloodFillWindow(const McFillWindow<unsigned char>&, const unsigned long*, int, int,
+                                         int, McBitfield&, int*);
+template unsigned long mcFloodFillWindow(const McFillWindow<short>&, const unsigned long*, int, int, int,
+                                         McBitfield&, int*);
+template unsigned long mcFloodFillWindow(const McFillWindow<unsigned short>&, const unsigned long*, int, int,
+                                         int, McBitfield&, int*);
+template unsigned long mcFloodFillWindow(const McFillWindow<int>&, const unsigned long*, int, int, int,
+                                         McBitfield&, int*);
+template unsigned long mcFloodFillWindow(const McFillWindow<unsigned int>&, const unsigned long*, int, int,
+                                         int, McBitfield&, int*);
+template unsigned long mcFloodFillWindow(const McFillWindow<float>&, const unsigned long*, int, int, int,
+                                         McBitfield&, int*);
+template unsigned long mcFloodFillWindow(const McFillWindow<double>&, const unsigned long*, int, int, int,
+                                         McBitfield&, int*);
