@@ -112,9 +112,10 @@ private:
     }
     void copyFields(const GiSelection2D& other);
     McBox2i tightBox(const McBox2i& within) const;
-    void fillPolygon(int n, const McVec2f* polygon, SelectMode mode);
     void closeHoles(McBitfield& visited);
     void fillRegion(int x, int y, McBitfield& visited);
     void deleteRegion(int x, int y, McBitfield& visited);
-    void setUnvisited(const McBitfield& visited);
+    void changeMarked(const McBitfield& marks, bool select);
+    template <class Change>
+    void changeRun(unsigned long x0, unsigned long end, unsigned long y, const Change& change);
 };

@@ -28,6 +28,12 @@ public:
     int getHeight(int orientation) const;
     int getNumSlices(int orientation) const;
 
+    /// Whether the voxel lies in the volume.
+    bool contains(int x, int y, int z) const
+    {
+        const auto below = [](int i, unsigned long n) { return i >= 0 && static_cast<unsigned long>(i) < n; };
+        return below(x, dims[0]) && below(y, dims[1]) && below(z, dims[2]);
+    }
     bool get(int x, int y, int z) const { return bits.isSet(bitOf(x, y, z)); }
     void set(int x, int y, int z) { bits.set(bitOf(x, y, z)); }
     void unset(int x, int y, int z) { bits.unset(bitOf(x, y, z)); }

@@ -1,0 +1,201 @@
+#include "app/GiScriptCommands.h"
+
+#include "app/GiQ.h"
+#include "app/HxGiEditor.h"
+#include "app/HxGiSubApplication.h"
+#include "hx/HxLabelLattice3.h"
+#include "hx/HxMatDatabase.h"
+#include "hx/HxObjectPool.h"
+#include "hx/HxScript.h"
+#include "hx/HxScriptCommands.h"
+#include "mc/McInterface.h"
+
+#include <algorithm>
+#include <string>
+
+#include <tcl.h>
+
+namespace {
+
+int fail(Tcl_Interp* interp, const std::string& text)
+{
+    Tcl_VaSetResult(interp, "%s", text.c_str());
+    return TCL_ERROR;
+}
+
+// segment
+
+std::string dimsText(const HxLattice& lattice)
+{
+    const unsigned long* n = lattice.dims();
+    return std::to_string(n[0]) + " x " + std::to_string(n[1]) + " x " + std::to_string(n[2]);
+}
+
+/// The data object of a name, or null with the complaint as result.
+HxData* findData(Tcl_Interp* interp, const char* name)
+{
+    HxObject* object = HxObjectPool::getThePool()->find(name);
+    if (!object) {
+        fail(interp, std::string("segment: there is no object \"") + name + "\".");
+        return nullptr;
+    }
+    auto* data = dynamic_cast<HxData*>(object);
+    if (!data) fail(interp, std::string("segment: \"") + name + "\" is not a data object.");
+    return data;
+}
+
+/// An image that a script names is meant, so what does not fit is an error and no reason to search.
+bool checkImage(Tcl_Interp* interp, HxData* labels, HxData* image)
+{
+    const auto* labelLattice = mcinterface_cast<HxLabelLattice3>(labels);
+    const auto* imageLattice = mcinterface_cast<HxLattice3>(image);
+    const std::string name = std::string("segment: \"") + image->getLabel() + "\"";
+    if (!imageLattice) return fail(interp, name + " is not an image.") == TCL_OK;
+    if (imageLattice->numDataVars() != 1)
+        return fail(interp, name + " has " + std::to_string(imageLattice->numDataVars()) +
+                                " values per voxel; an image has one.") == TCL_OK;
+    if (!std::equal(labelLattice->dims(), labelLattice->dims() + 3, imageLattice->dims()))
+        return fail(interp, name + " has " + dimsText(*imageLattice) + " voxels, the labels " +
+                                dimsText(*labelLattice) + ".") == TCL_OK;
+    return true;
+}
+
+int segment(Tcl_Interp* interp, int count, const char* const* words)
+{
+    if (count != 2 && count != 3) return HxScriptCommands::wrongArguments(interp, "segment");
+    HxData* labels = findData(interp, words[1]);
+    if (!labels) return TCL_ERROR;
+    const auto* lattice = mcinterface_cast<HxLabelLattice3>(labels);
+    if (!lattice) return fail(interp, std::string("segment: \"") + words[1] + "\" is not a label field.");
+    const unsigned long side = *std::max_element(lattice->dims(), lattice->dims() + 3);
+    if (side > HxGiEditor::kLargestSide)
+        return fail(interp, std::string("segment: \"") + words[1] + "\" has a side of " +
+                                std::to_string(side) + " voxels; the editor takes sides up to " +
+                                std::to_string(HxGiEditor::kLargestSide) + ".");
+    HxData* image = nullptr;
+    if (count == 3) {
+        image = findData(interp, words[2]);
+        if (!image || !checkImage(interp, labels, image)) return TCL_ERROR;
+    }
+    HxGiSubApplication* application = HxGiSubApplication::instance();
+    application->editPair(labels, image);
+    if (application->getEditor()->getLabelData() != labels)
+        return fail(interp, std::string("segment: \"") + words[1] + "\" could not be opened.");
+    application->makeCurrent();
+    Tcl_VaSetResult(interp, "%s", application->getEditor()->getLabel());
+    return TCL_OK;
+}
+
+// material
+
+GiQ* editedGi()
+{
+    HxGiEditor* editor = HxGiSubApplication::instance()->getEditor();
+    return editor && editor->getLabelData() ? editor->getGi() : nullptr;
+}
+
+int materialLock(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
+{
+    int lock;
+    if (!value) {
+        Tcl_VaSetResult(interp, "%d", gi.locked[index] ? 1 : 0);
+        return TCL_OK;
+    }
+    if (Tcl_GetBoolean(interp, value, &lock) != TCL_OK)
+        return fail(interp, std::string("material: \"") + value + "\" is neither 0 nor 1.");
+    gi.lockTissue(index, lock);
+    return TCL_OK;
+}
+
+/// The long name is what people read; the bundle's own name is what it is found by.
+int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
+{
+    HxParamBundle* material = gi.materials->bundle(index);
+    McString longName;
+    const bool hasLongName = material->findString("LongName", longName);
+    if (!value) {
+        Tcl_VaSetResult(interp, "%s", hasLongName ? static_cast<const char*>(longName) : material->getName());
+        return TCL_OK;
+    }
+    if (hasLongName) {
+        material->set("LongName", value);
+    } else {
+        const McString name = HxParamBase::cleanName(value);
+        if (name.length() == 0)
+            return fail(interp,
+                        std::string("material: \"") + value + "\" has no character that a name may hold.");
+        const HxParamBundle* other = gi.materials->bundle(name, 0);
+        if (other && other != material)
+            return fail(interp, std::string("material: there is a material \"") +
+                                    static_cast<const char*>(name) + "\" already.");
+        material->setName(name);
+    }
+    gi.touchData(0, 1, -1, -1, -1, -1);
+    gi.materialsChanged();
+    return TCL_OK;
+}
+
+int materialColor(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
+{
+    HxParamBundle* material = gi.materials->bundle(index);
+    float rgb[3];
+    if (!value) {
+        if (!material->findColor(rgb)) {
+            const McColor color = HxMatDatabase::getTheDatabase()->getColor(material->getName());
+            rgb[0] = color.r, rgb[1] = color.g, rgb[2] = color.b;
+        }
+        for (const float component : rgb) Tcl_VaAppendElement(interp, "%g", static_cast<double>(component));
+        return TCL_OK;
+    }
+    int n = 0;
+    const char** words = nullptr;
+    bool valid = Tcl_SplitList(interp, value, &n, &words) == TCL_OK && n == 3;
+    for (int i = 0; valid && i < 3; ++i) {
+        double component;
+        valid = Tcl_GetDouble(interp, words[i], &component) == TCL_OK && component >= 0 && component <= 1;
+        if (valid) rgb[i] = static_cast<float>(component);
+    }
+    if (words) Tcl_Free(reinterpret_cast<char*>(words));
+    if (!valid)
+        return fail(interp,
+                    std::string("material: \"") + value + "\" is no color; give three numbers from 0 to 1.");
+    material->setColor(rgb);
+    gi.materialsChanged();
+    emit gi.colorChanged(gi.labelData, index);
+    return TCL_OK;
+}
+
+int material(Tcl_Interp* interp, int count, const char* const* words)
+{
+    if (count != 3 && count != 4) return HxScriptCommands::wrongArguments(interp, "material");
+    GiQ* gi = editedGi();
+    if (!gi) return fail(interp, "material: no label field is open; use segment first.");
+    int index;
+    if (Tcl_GetInt(interp, words[1], &index) != TCL_OK)
+        return fail(interp, std::string("material: \"") + words[1] + "\" is not a number.");
+    const int n = gi->materials->nBundles();
+    if (index < 0 || index >= n)
+        return fail(interp, "material: there is no material " + std::to_string(index) + "; there are " +
+                                std::to_string(n) + ", from 0.");
+    const char* value = count == 4 ? words[3] : nullptr;
+    const std::string what = words[2];
+    if (what == "lock") return materialLock(interp, *gi, index, value);
+    if (what == "name") return materialName(interp, *gi, index, value);
+    if (what == "color") return materialColor(interp, *gi, index, value);
+    return fail(interp, "material: \"" + what + "\" is unknown; use lock, name or color.");
+}
+
+} // namespace
+
+void giAddScriptCommands()
+{
+    HxScriptCommands::add("segment", "segment LABELS ?IMAGE?",
+                          "Opens a label field for segmentation, over the given image or one that fits; the "
+                          "editor answers under the name that is the result.",
+                          segment);
+    HxScriptCommands::add(
+        "material", "material INDEX lock|name|color ?VALUE?",
+        "Reads or sets the lock (0 or 1), the name or the color (three numbers from 0 to 1) of "
+        "a material of the open label field.",
+        material);
+}

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Adds the editor's own commands to the interpreter: `segment` and `material`.
+void giAddScriptCommands();

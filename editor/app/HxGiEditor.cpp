@@ -1,0 +1,241 @@
+#include "app/HxGiEditor.h"
+
+#include "app/GiQ.h"
+#include "app/HxGiSubApplication.h"
+#include "hx/HxClassRegistry.h"
+#include "hx/HxField3.h"
+#include "hx/HxLabelLattice3.h"
+#include "hx/HxMessage.h"
+#include "hx/HxObjectPool.h"
+#include "hx/HxResource.h"
+#include "hx/HxUniformLabelField3.h"
+#include "mc/McException.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+bool isImageType(int hostType)
+{
+    return hostType == 0 || hostType == 1 || hostType == 7 || hostType == 2 || hostType == 8 ||
+           hostType == 3 || hostType == 4;
+}
+
+bool sameDims(const HxLattice& a, const HxLattice& b)
+{
+    return a.numDims() == 3 && b.numDims() == 3 && std::equal(a.dims(), a.dims() + 3, b.dims());
+}
+
+/// The object connected as image to a label field, if it can serve as one.
+HxData* connectedImage(HxData* labels)
+{
+    auto* field = dynamic_cast<HxLabelField3*>(labels);
+    return field ? field->imageConnection().source<HxRegScalarField3>() : nullptr;
+}
+
+bool hasLargeSide(const HxLattice& lattice, unsigned long& side)
+{
+    side = *std::max_element(lattice.dims(), lattice.dims() + 3);
+    return side > HxGiEditor::kLargestSide;
+}
+
+} // namespace
+
+struct HxGiEditor::Pair
+{
+    HxData* labels = nullptr;
+    HxLabelLattice3* labelLattice = nullptr;
+    HxData* image = nullptr;
+    HxLattice3* imageLattice = nullptr;
+};
+
+HxGiEditor::HxGiEditor() : HxGiEditor(HxSubApplication::hasSubApplications() ? kStub : kOwnEditor) {}
+
+HxGiEditor::HxGiEditor(Form form)
+    : HxEditor(form == kStub ? HxMutableLabelLattice::getClassTypeId() : HxLabelLattice3::getClassTypeId())
+{
+    setLabel(form == kStub ? "HxGiEditor" : "gi");
+    if (form == kOwnEditor) gi = std::make_unique<GiQ>(this);
+}
+
+HxGiEditor::~HxGiEditor()
+{
+    gi.reset();
+    releaseAccess();
+}
+
+void HxGiEditor::initClass()
+{
+    HxClassRegistry::add("HxGiEditor", "HxEditor", [] { return new HxGiEditor; });
+}
+
+McTypeId HxGiEditor::getClassTypeId()
+{
+    return McTypeId::declare<HxGiEditor, HxEditor>("HxGiEditor");
+}
+
+McTypeId HxGiEditor::getTypeId() const
+{
+    return getClassTypeId();
+}
+
+bool HxGiEditor::typeCheck(HxData* data)
+{
+    return mcinterface_cast<HxMutableLabelLattice>(data) || mcinterface_cast<HxLabelLattice3>(data);
+}
+
+HxData* HxGiEditor::getLabelData() const
+{
+    return gi ? gi->labelData : nullptr;
+}
+
+void HxGiEditor::setRescaleInterceptSlope(const HxParamBundle& bundle)
+{
+    if (gi) gi->setRescaleInterceptSlope(&bundle);
+}
+
+float HxGiEditor::eval(HxLattice* lattice, const McVec3i& index)
+{
+    if (!lattice || !isImageType(lattice->primType())) return 0;
+    return lattice->getVoxel(index);
+}
+
+void HxGiEditor::startEditing(HxData* labels)
+{
+    if (gi) {
+        startEditing(labels, nullptr);
+        return;
+    }
+    for (HxSubApplicationEntry& entry : HxResource::mSubApplications) {
+        if (entry.className != "HxGiSubApplication") continue;
+        if (!entry.instance) entry.instance = HxGiSubApplication::instance();
+        HxGiSubApplication::instance()->startEditing(labels, this);
+        entry.instance->makeCurrent();
+        return;
+    }
+}
+
+bool HxGiEditor::isBound(HxData* labels, HxData* image) const
+{
+    if (!labels || !image || labels != gi->labelData || image != gi->imageData) return false;
+    const auto* labelLattice = mcinterface_cast<HxLabelLattice3>(labels);
+    const auto* imageLattice = mcinterface_cast<HxLattice>(image);
+    return labelLattice && imageLattice && sameDims(*labelLattice, *imageLattice) &&
+           std::equal(gi->selection->dims, gi->selection->dims + 3, labelLattice->dims());
+}
+
+void HxGiEditor::startEditing(HxData* labels, HxData* image)
+{
+    if (!gi || isBound(labels, image)) return;
+    HxGiSubApplication::instance()->checkOtherEditor(labels);
+
+    Pair pair;
+    pair.labels = labels;
+    pair.labelLattice = mcinterface_cast<HxLabelLattice3>(labels);
+    unsigned long side = 0;
+    if (pair.labelLattice && hasLargeSide(*pair.labelLattice, side)) {
+        HxMessage::getTheMsg()->printf("%s has a side of %lu voxels; the editor takes sides up to %lu.",
+                                       labels->getLabel(), side, kLargestSide);
+        return;
+    }
+    gi->clear();
+    auto* field = dynamic_cast<HxField3*>(labels);
+    if (!pair.labelLattice || !field) return;
+
+    float min = 0, max = 0;
+    field->getRange(min, max);
+    HxParamBundle* materials = pair.labelLattice->materials();
+    if (!materials) return;
+    repairMaterials(*materials, static_cast<int>(max));
+
+    pair.image = image ? image : connectedImage(labels);
+    findImage(pair);
+    try {
+        bind(pair);
+    } catch (const McMemoryException& e) {
+        stopEditing();
+        HxMessage::getTheMsg()->memError(e.size());
+    }
+}
+
+void HxGiEditor::repairMaterials(HxParamBundle& materials, int maxLabel)
+{
+    const int n = materials.nBundles();
+    if (n >= maxLabel + 1) return;
+    HxMessage::getTheMsg()->printf("Warning: max label is %d, but max material id is %d.", maxLabel, n - 1);
+    HxMessage::getTheMsg()->printf("Creating %d new materials.", maxLabel + 1 - n);
+    for (int k = n; k <= maxLabel; ++k)
+        materials.insert(new HxParamBundle(k == 0 ? "Exterior" : McString::printf("Material%d", k)));
+}
+
+/// Keeps the pair's image if it fits, else looks for one in the pool, else takes the labels.
+void HxGiEditor::findImage(Pair& pair)
+{
+    const auto fits = [&](HxLattice3* lattice) {
+        return lattice && isImageType(lattice->primType()) && lattice->numDataVars() == 1 &&
+               sameDims(*lattice, *pair.labelLattice);
+    };
+    pair.imageLattice = mcinterface_cast<HxLattice3>(pair.image);
+    if (fits(pair.imageLattice)) return;
+
+    McString wanted;
+    const bool hasWanted = pair.labels->parameters.findString("ImageData", wanted);
+    HxData* candidate = nullptr;
+    const HxObjectPool* pool = HxObjectPool::getThePool();
+    for (int i = 0; i < pool->size(); ++i) {
+        auto* data = dynamic_cast<HxData*>(pool->object(i));
+        auto* lattice = mcinterface_cast<HxLattice3>(data);
+        if (data == pair.labels || !lattice || mcinterface_cast<HxLabelLattice>(data)) continue;
+        if (!isImageType(lattice->primType()) || lattice->numDataVars() != 1) continue;
+        if (!candidate || (hasWanted && wanted == data->getLabel())) candidate = data;
+        if (!sameDims(*mcinterface_cast<HxLattice3>(candidate), *pair.labelLattice)) candidate = nullptr;
+    }
+    if (!candidate) {
+        HxMessage::getTheMsg()->printf("No matching image volume found.\n");
+        candidate = pair.labels;
+    }
+    pair.image = candidate;
+    pair.imageLattice = mcinterface_cast<HxLattice3>(candidate);
+}
+
+void HxGiEditor::bind(const Pair& pair)
+{
+    float min, max;
+    gi->initRangeSliders(pair.image, min, max);
+    gi->setDataWindow(min, max, false);
+    gi->materials = pair.labelLattice->materials();
+    void* data = holdImage(pair.imageLattice);
+    gi->labelData = pair.labels;
+    gi->labelLattice = pair.labelLattice;
+    gi->imageData = pair.image;
+    gi->imageLattice = pair.imageLattice;
+    gi->setVolumeOfType(pair.imageLattice->primType(), pair.imageLattice->dims(), data, pair.labelLattice);
+    gi->initTools();
+    gi->connectData();
+    gi->redraw();
+}
+
+void* HxGiEditor::holdImage(HxLattice3* lattice)
+{
+    releaseAccess();
+    access = lattice->access();
+    return access->rawData(lattice->dims());
+}
+
+void HxGiEditor::releaseAccess()
+{
+    if (access) access->release();
+    access = nullptr;
+}
+
+void HxGiEditor::stopEditing()
+{
+    if (!gi) {
+        HxGiSubApplication::instance()->stopEditing(this);
+        return;
+    }
+    gi->clear();
+    releaseAccess();
+    HxObjectPool::getThePool()->updateViewerToggles();
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/HxGiEditor.h"
+#include "hx/HxSubApplication.h"
+
+class HxRegScalarField3;
+
+/// Segmentation as a full mode of the host, with an editor of its own. A singleton; it outlives its
+/// stops, and leaving it keeps data and undo history for the next start.
+class HxGiSubApplication : public HxSubApplication
+{
+public:
+    static HxGiSubApplication* instance();
+    static void initClass();
+    static HxBase* createInstance();
+    static McTypeId getClassTypeId();
+    McTypeId getTypeId() const override;
+    ~HxGiSubApplication() override;
+    void onStart() override;
+    void onStop() override;
+
+    /// Picks the pair for `data` and binds it; null data means the present pair or what the pool
+    /// offers. `attached` is the editor that the host attached to the data, if any.
+    void startEditing(HxData* data, HxGiEditor* attached);
+    /// Binds exactly this pair; a null image is searched for.
+    void editPair(HxData* labels, HxData* image);
+    void stopEditing(HxGiEditor* attached);
+    /// Chooses label field and image for `data` and starts the editing, if there is a label field.
+    void initDataSets(HxData* data);
+    /// Detaches an attached editor that edits other data.
+    void checkOtherEditor(HxData* data);
+    /// Null before the first start.
+    HxGiEditor* getEditor() const { return ownEditor; }
+
+private:
+    HxGiSubApplication();
+
+    void ensureEditor();
+    HxRegScalarField3* chooseLabels(HxData* data) const;
+    HxRegScalarField3* chooseImage(HxData* data, HxRegScalarField3* labels) const;
+
+    McHandle<HxGiEditor> ownEditor;
+    McHandle<HxGiEditor> attachedEditor;
+};

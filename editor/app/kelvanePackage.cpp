@@ -1,0 +1,26 @@
+// The three functions by which the host finds this package.
+
+#include "app/GiScriptCommands.h"
+#include "app/HxGiEditor.h"
+#include "app/HxGiSubApplication.h"
+#include "hx/HxPackage.h"
+
+extern "C" {
+
+void vorelpackage_kelvane_init()
+{
+    static bool done = false;
+    if (done) return;
+    done = true;
+    HxGiSubApplication::initClass();
+    HxGiEditor::initClass();
+    giAddScriptCommands();
+}
+
+void vorelpackage_kelvane_finish() {} // the editor goes with the pool's objects
+
+const char* vorelpackage_kelvane()
+{
+    return kHxPackageStamp;
+}
+}

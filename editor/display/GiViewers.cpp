@@ -1,0 +1,277 @@
+// What Gi says to its viewers: which one is current, which slices and zoom they show, and which
+// parts of them a change touches.
+
+#include "core/Gi.h"
+#include "core/GiLabelTransfer.h"
+#include "core/GiMultiAction.h"
+#include "core/GiThickestSlices.h"
+#include "display/GiLabelImage.h"
+#include "display/GiViewer.h"
+#include "hx/HxLabelLattice3.h"
+#include "hx/HxMessage.h"
+#include "hx/HxSettingsMgr.h"
+#include "hx/HxViewerPanelBase.h"
+
+#include <cstdio>
+
+namespace {
+
+/// Colours of labels that tools use for marks; they must be told from any material's own colour.
+struct MarkColor
+{
+    int label, r, g, b;
+};
+
+constexpr MarkColor kMarkColors[] = {{128, 0, 255, 0}, {129, 0, 255, 255},   {130, 255, 0, 255},
+                                     {131, 0, 0, 255}, {255, 255, 255, 255}, {127, 255, 255, 0}};
+
+float zoomForSize(const unsigned long* dims)
+{
+    if (dims[0] > 256 && dims[1] > 256) return 1;
+    if (dims[0] > 128 && dims[1] > 128) return 2;
+    return 3;
+}
+
+} // namespace
+
+void Gi::setVolume(const unsigned long* dims, McTypedPointer data, HxLabelLattice3* lattice)
+{
+    imageSlices.init(dims, data);
+    labelLattice = lattice;
+    const unsigned long* own = lattice->dims();
+    if (own[0] != dims[0] || own[1] != dims[1] || own[2] != dims[2])
+        lattice->resize(dims[0], dims[1], dims[2]);
+    labelSlices.init(dims, 1, lattice->getLabels());
+    selection->resize(dims[0], dims[1], dims[2]);
+    resetMaterialColors();
+    showMiddleSlices(dims);
+    setZoomFactor(zoomForSize(dims));
+    computeCoordinateDigits();
+}
+
+void Gi::resetMaterialColors()
+{
+    if (materials) GiLabelImage::setColor(this, *materials);
+    // kept: these six replace whatever the material with that label chose.
+    for (const MarkColor& mark : kMarkColors)
+        GiLabelImage::setColor(this, mark.label, mark.r, mark.g, mark.b);
+}
+
+void Gi::showMiddleSlices(const unsigned long* dims)
+{
+    for (int i = 0; i < viewers.size(); ++i) {
+        const unsigned long n = dims[viewers[i]->getOrientation()];
+        viewers[i]->setSlice(n > 0 ? static_cast<int>((n - 1) / 2) : 0, false);
+    }
+}
+
+GiViewer* Gi::getCurrentViewer()
+{
+    if (viewerPanel) {
+        if (auto* active = dynamic_cast<GiViewer*>(viewerPanel->getActiveViewer())) {
+            lastViewer = active;
+            return active;
+        }
+    }
+    for (int i = 0; i < viewers.size(); ++i)
+        if (viewers[i] == lastViewer) return lastViewer;
+    return viewers.size() > 0 ? viewers[0] : nullptr;
+}
+
+int Gi::getCurrentOrientation()
+{
+    const GiViewer* viewer = getCurrentViewer();
+    return viewer ? viewer->getOrientation() : 0;
+}
+
+int Gi::getCurrentSlice()
+{
+    const GiViewer* viewer = getCurrentViewer();
+    return viewer ? viewer->getSlice() : 0;
+}
+
+McVec3i Gi::getPoint3D(int x, int y, GiViewer* viewer)
+{
+    if (!viewer) viewer = getCurrentViewer();
+    const int slice = viewer ? viewer->getSlice() : 0;
+    switch (viewer ? viewer->getOrientation() : 0) {
+    case 2:
+        return McVec3i(x, y, slice);
+    case 1:
+        return McVec3i(x, slice, y);
+    default:
+        return McVec3i(slice, x, y);
+    }
+}
+
+GiSelection2D* Gi::currentSelection()
+{
+    GiViewer* viewer = getCurrentViewer();
+    return viewer ? viewer->getSelection() : nullptr;
+}
+
+void Gi::clearModifiedFlags()
+{
+    for (int i = 0; i < viewers.size(); ++i)
+        if (GiSelection2D* slice = viewers[i]->getSelection()) slice->modified = 0;
+}
+
+void Gi::selectTissue(int tissue, int mode, int in3D)
+{
+    if (in3D) {
+        if (!labelLattice) return;
+        selection->setTissue(labelLattice->getLabels(), tissue, static_cast<GiSelectMode>(mode));
+        updateSelectionBoxes();
+    } else {
+        GiSelection2D* slice = currentSelection();
+        if (!slice || !labelLattice) return;
+        unsigned char* data;
+        int xStride, yStride;
+        getCurrentLabelSlice(data, xStride, yStride);
+        slice->setTissue(data, tissue, static_cast<GiSelectMode>(mode));
+    }
+    touchData(1, 0, -1, -1, 0, 0);
+    redraw();
+}
+
+int Gi::tissueSelected(int tissue)
+{
+    const GiSelection2D* slice = currentSelection();
+    if (!slice || !labelLattice) return 0;
+    unsigned char* data;
+    int xStride, yStride;
+    getCurrentLabelSlice(data, xStride, yStride);
+    const int width = static_cast<int>(slice->width), height = static_cast<int>(slice->height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            if (data[long(y) * yStride + long(x) * xStride] == tissue && slice->isSet(x, y)) return 1;
+    return 0;
+}
+
+void Gi::locateTissue(int tissue)
+{
+    if (!labelLattice) return;
+    const GiThickestSlices best = giThickestSlices(labelLattice->getLabels(), labelLattice->dims(), tissue);
+    if (!best.found) {
+        HxMessage::getTheMsg()->printf("No voxel with this tissue found");
+        return;
+    }
+    for (int i = 0; i < viewers.size(); ++i)
+        viewers[i]->setSlice(best.slice[viewers[i]->getOrientation()], true);
+}
+
+void Gi::zoomIn()
+{
+    const GiViewer* viewer = zoomAllViewers && viewers.size() > 0 ? viewers[0] : getCurrentViewer();
+    if (!viewer) return;
+    const float zoom = viewer->getZoomFactor();
+    if (zoom < 0.51f) {
+        setZoomFactor(2 * zoom);
+        return;
+    }
+    const int n = static_cast<int>(zoom + 0.5f);
+    setZoomFactor(static_cast<float>(n >= 1 && n <= 3 ? n + 1 : static_cast<int>(n * 3 * 0.5 + 0.5)));
+}
+
+void Gi::zoomOut()
+{
+    const GiViewer* viewer = zoomAllViewers && viewers.size() > 0 ? viewers[0] : getCurrentViewer();
+    if (!viewer) return;
+    const float zoom = viewer->getZoomFactor();
+    setZoomFactor(zoom > 2.9f ? static_cast<float>(static_cast<int>(2 * zoom / 3 + 0.5f)) : zoom / 2);
+}
+
+void Gi::setZoomFactor(float zoom)
+{
+    if (zoomAllViewers)
+        for (int i = 0; i < viewers.size(); ++i) viewers[i]->setZoomFactor(zoom);
+    else if (GiViewer* viewer = getCurrentViewer())
+        viewer->setZoomFactor(zoom);
+}
+
+const char* Gi::getZoomFactorText()
+{
+    static char text[32];
+    const GiViewer* viewer = zoomAllViewers && viewers.size() > 0 ? viewers[0] : getCurrentViewer();
+    const float zoom = viewer ? viewer->getZoomFactor() : 1;
+    if (zoom >= 1)
+        std::snprintf(text, sizeof text, "%d:1 ", static_cast<int>(zoom + 0.5f));
+    else
+        std::snprintf(text, sizeof text, "1:%d ", static_cast<int>(1 / zoom + 0.5f));
+    return text;
+}
+
+void Gi::redraw()
+{
+    for (int i = 0; i < viewers.size(); ++i) viewers[i]->redraw();
+}
+
+void Gi::projectBox(GiViewer* source, GiViewer* target, const McBox2i& box, McBox2i& result) const
+{
+    // Ranges along X, Y and Z of the box as a block that is one voxel thick at the source's slice.
+    const int s = source->getSlice();
+    int low[3], high[3];
+    const auto axesOf = [](int orientation, int axes[3]) { // of width, height and depth
+        const int o = orientation == 1 || orientation == 2 ? orientation : 0;
+        axes[0] = o == 0 ? 1 : 0;
+        axes[1] = o == 2 ? 1 : 2;
+        axes[2] = o;
+    };
+    int from[3], to[3];
+    axesOf(source->getOrientation(), from);
+    axesOf(target->getOrientation(), to);
+    low[from[0]] = box.xmin, high[from[0]] = box.xmax;
+    low[from[1]] = box.ymin, high[from[1]] = box.ymax;
+    low[from[2]] = high[from[2]] = s;
+
+    const int t = target->getSlice();
+    if (t >= low[to[2]] && t <= high[to[2]])
+        result = McBox2i(low[to[0]], low[to[1]], high[to[0]], high[to[1]]);
+    else
+        result = McBox2i(1, 1, 0, 0);
+}
+
+void Gi::updateSelectionBoxes()
+{
+    for (int i = 0; i < viewers.size(); ++i)
+        if (GiSelection2D* slice = viewers[i]->getSelection()) slice->computeSelectionBox();
+}
+
+void Gi::updateSelectionBoxes(McBox2i& box, GiViewer* viewer)
+{
+    if (GiSelection2D* slice = viewer->getSelection()) slice->updateSelectionBox(box);
+    for (int i = 0; i < viewers.size(); ++i) {
+        GiSelection2D* slice = viewers[i]->getSelection();
+        if (viewers[i] == viewer || !slice) continue;
+        McBox2i part;
+        projectBox(viewer, viewers[i], box, part);
+        if (part.xmin <= part.xmax && part.ymin <= part.ymax) slice->updateSelectionBox(part);
+    }
+}
+
+void Gi::readSelectionDrawStyle()
+{
+    selectionDrawStyle =
+        static_cast<unsigned char>(HxSettingsMgr::getInstance()->getPreferences().selectionDrawStyle);
+    redraw();
+}
+
+void Gi::saveUndoInformationForSlice(int selectionChanges, int labelsChange, GiViewer* viewer)
+{
+    if (!viewer) viewer = getCurrentViewer();
+    // An empty snapshot is stored too: one change is always one step of undo.
+    McHandle<GiMultiAction> snapshot(new GiMultiAction);
+    if (viewer) {
+        if (selectionChanges) saveSliceSelection(viewer->getSlice(), viewer->getOrientation(), *snapshot);
+        if (labelsChange) saveSliceLabels(viewer->getSlice(), viewer->getOrientation(), *snapshot);
+    }
+    addUndoAction(snapshot, false);
+    updateUndoSensitivity();
+}
+
+void Gi::destroyViewers()
+{
+    for (int i = 0; i < viewers.size(); ++i) viewers[i]->unref();
+    viewers.clear();
+    lastViewer = nullptr;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "display/GiShape.h"
+
+class Gi;
+class GiSelection2D;
+class HxViewerModalTool;
+
+/// An interactive tool: turns events in a slice viewer into changes of the selection. The active
+/// tool is a shape in every viewer's frame buffer; it works on Gi alone, so it runs without a panel.
+class GiTool : public GiShape
+{
+public:
+    explicit GiTool(Gi* owner) : gi(owner) {}
+
+    /// File name of the toolbar icon.
+    virtual const char* getIconName() const = 0;
+    /// A new data set was attached.
+    virtual void init() {}
+    virtual void select() {}
+    /// Called once per viewer when the tool stops being the active one.
+    virtual void deselect(GiFrameBuffer*) {}
+    /// An operation that the tool did not start has changed something; the codes are GiNotice.
+    virtual void selectionNotify(int /*what*/) {}
+    /// The tool that stands for this one in a viewer's own tool list; null if none does.
+    virtual HxViewerModalTool* wrapper() { return nullptr; }
+    /// The user moved the tool data window.
+    virtual void dataWindowChanged(float /*min*/, float /*max*/) {}
+    /// A tool whose marks belong to other materials takes them out of a slice transfer here.
+    virtual bool guardsSeeds() const { return false; }
+    virtual void lockInactiveSeeds(GiSelection2D&) {}
+
+    const char* name = "";
+
+protected:
+    Gi* gi;
+};

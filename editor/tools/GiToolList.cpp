@@ -1,0 +1,77 @@
+// The tools of Gi: a list with fixed indices, of which one may be active. An entry whose tool is not
+// part of this build is null; scripts and panels address tools by index, so it keeps its place.
+
+#include "core/Gi.h"
+#include "core/GiNotice.h"
+#include "display/GiViewer.h"
+#include "tools/GiCrossHairTool.h"
+#include "tools/GiTool.h"
+
+namespace {
+
+constexpr int kNumTools = 7; // pick region, brush, lasso, magic wand, threshold, blow tool, pan
+
+} // namespace
+
+void Gi::createTools()
+{
+    for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
+    crossHair = new GiCrossHairTool;
+    crossHair->ref();
+    crossHair->setValueChangedCallback(&Gi::crossHairCBs, this);
+}
+
+void Gi::destroyTools()
+{
+    currentTool = panTool = nullptr;
+    for (int i = 0; i < tools.size(); ++i)
+        if (tools[i]) tools[i]->unref();
+    tools.clear();
+    crossHair->unref();
+    crossHair = nullptr;
+}
+
+void Gi::setTool(int index)
+{
+    if (currentTool)
+        for (int i = 0; i < viewers.size(); ++i) currentTool->deselect(nullptr);
+    currentTool = nullptr;
+    if (index < 0 || index >= tools.size()) return;
+    currentTool = tools[index];
+    if (currentTool) {
+        for (int i = 0; i < viewers.size(); ++i) viewers[i]->activateTool(currentTool->wrapper());
+        currentTool->select();
+    }
+    updateCursor();
+}
+
+void Gi::initTools()
+{
+    for (int i = 0; i < tools.size(); ++i)
+        if (tools[i]) tools[i]->init();
+}
+
+void Gi::set3dMode(bool on)
+{
+    if (mode3D == on) return;
+    mode3D = on;
+    notifyTool(kMode3DChanged);
+}
+
+void Gi::setZoomMode(bool allViewers)
+{
+    if (zoomAllViewers == allViewers) return;
+    zoomAllViewers = allViewers;
+    notifyTool(kZoomModeChanged);
+}
+
+void Gi::notifyTool(int what)
+{
+    if (currentTool) currentTool->selectionNotify(what);
+}
+
+std::function<void(GiSelection2D&)> Gi::seedGuard()
+{
+    if (!currentTool || !currentTool->guardsSeeds()) return {};
+    return [tool = currentTool](GiSelection2D& pixels) { tool->lockInactiveSeeds(pixels); };
+}
