@@ -44,4 +44,5 @@ public:
 private:
     McTypeId editedInterface;
     McHandle<HxData> attachedData;
+    bool detaching = false; // stopEditing runs
 };

@@ -15,7 +15,7 @@ class HxViewerTool;
 class HxViewerPanelBase
 {
 public:
-    HxViewerPanelBase() = default;
+    HxViewerPanelBase();
     HxViewerPanelBase(const HxViewerPanelBase&) = delete;
     HxViewerPanelBase& operator=(const HxViewerPanelBase&) = delete;
     virtual ~HxViewerPanelBase();
@@ -66,6 +66,7 @@ private:
     void dropIfUnused(HxViewerBase* viewer);
 
     std::vector<HxViewerBase*> viewers;
+    std::vector<HxViewerBase*> known; // all that we point at, or that point at us; each lists us in turn
     std::vector<McHandle<HxViewerTool>> tools;
     std::vector<Override> overrides;
     HxViewerBase* activeViewer = nullptr;

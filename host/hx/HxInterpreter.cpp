@@ -1,0 +1,94 @@
+#include "hx/HxInterpreter.h"
+
+#include "hx/HxFormat.h"
+#include "hx/HxMessage.h"
+#include "hx/HxScriptSocket.h"
+
+#include <QCoreApplication>
+
+#include <tcl.h>
+
+HxInterpreter* HxInterpreter::getTheInterpreter()
+{
+    // Leaked on purpose: objects that outlive main still take their commands out of it.
+    static HxInterpreter* theInterpreter = new HxInterpreter;
+    return theInterpreter;
+}
+
+HxInterpreter::HxInterpreter()
+{
+    const QByteArray program =
+        QCoreApplication::instance() ? QCoreApplication::applicationFilePath().toLocal8Bit() : QByteArray();
+    Tcl_FindExecutable(program.isEmpty() ? nullptr : program.constData());
+    interp = Tcl_CreateInterp();
+    if (Tcl_Init(interp) != TCL_OK)
+        HxMessage::getTheMsg()->printf("Tcl's script library is missing, some commands will not work: %s",
+                                       Tcl_GetStringResult(interp));
+}
+
+const char* HxInterpreter::getVar(const char* name)
+{
+    return Tcl_GetVar2(interp, name, nullptr, TCL_GLOBAL_ONLY);
+}
+
+const char* HxInterpreter::evalf(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string script = hxFormat(format, arguments);
+    va_end(arguments);
+
+    McString result;
+    if (eval(script.c_str(), result) != TCL_OK) return nullptr;
+    lastResult = result;
+    return lastResult;
+}
+
+int HxInterpreter::eval(const char* script, McString& result)
+{
+    return finish(Tcl_EvalEx(interp, script, -1, TCL_EVAL_GLOBAL), result);
+}
+
+int HxInterpreter::evalFile(const char* path, McString& result)
+{
+    // Read as UTF-8 wherever the program runs, so that a script means the same under every locale.
+    return finish(Tcl_FSEvalFileEx(interp, Tcl_NewStringObj(path, -1), "utf-8"), result);
+}
+
+int HxInterpreter::finish(int code, McString& result)
+{
+    // `return` and `break` outside a procedure end the script without being errors of it.
+    if (code != TCL_ERROR) code = TCL_OK;
+    result = Tcl_GetStringResult(interp);
+    return code;
+}
+
+McString HxInterpreter::errorText()
+{
+    const char* text = getVar("errorInfo");
+    return text ? text : "";
+}
+
+int HxInterpreter::openVorelSocket(int port)
+{
+    if (socket) return 0;
+    auto opened = std::make_unique<HxScriptSocket>();
+    if (!opened->listen(port)) {
+        HxMessage::getTheMsg()->printf("No free port for scripts between %d and %d.", port, port + 20);
+        return -1;
+    }
+    socket = opened.release();
+    return 0;
+}
+
+int HxInterpreter::port() const
+{
+    return socket ? socket->port() : 0;
+}
+
+void HxInterpreter::requestQuit(int code)
+{
+    if (!requestedCode) requestedCode = code;
+    if (!Tcl_InterpActive(interp)) return;
+    Tcl_CancelEval(interp, Tcl_NewStringObj("The program ends.", -1), nullptr, TCL_CANCEL_UNWIND);
+}

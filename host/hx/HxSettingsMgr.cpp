@@ -1,0 +1,120 @@
+#include "hx/HxSettingsMgr.h"
+
+#include "hx/HxMessage.h"
+
+#include <QSettings>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* kPreferencesGroup = "preferences";
+constexpr const char* kGeometryGroup = "geometry";
+
+} // namespace
+
+HxSettingsMgr* HxSettingsMgr::getInstance()
+{
+    // Leaked on purpose: objects that end after main still store their last settings here.
+    static HxSettingsMgr* instance = new HxSettingsMgr;
+    return instance;
+}
+
+void HxSettingsMgr::setPreferences(const HxPreferences& now, bool notify)
+{
+    const HxPreferences old = preferences;
+    const HxPreferences current = now; // `now` may be our own record, which a listener may replace
+    preferences = current;
+    changed = true;
+    if (!notify) return;
+    write();
+    emit preferencesChanged(old, current);
+}
+
+int HxSettingsMgr::numThreads() const
+{
+    return std::max(1, preferences.numThreads);
+}
+
+QRect HxSettingsMgr::getGeometry(const char* key) const
+{
+    const auto found = geometries.find(key);
+    return found == geometries.end() ? QRect() : found->second;
+}
+
+void HxSettingsMgr::setGeometry(const char* key, const QRect& rect)
+{
+    geometries[key] = rect;
+    changed = true;
+}
+
+bool HxSettingsMgr::write()
+{
+    if (storePath.isEmpty() || !changed) return true;
+
+    QSettings store(storePath, QSettings::IniFormat);
+    store.beginGroup(kPreferencesGroup);
+    for (const char* name : HxPreferences::fieldNames()) {
+        McString value;
+        McString error;
+        preferences.get(name, value, error);
+        store.setValue(name, QString::fromUtf8(value.c_str()));
+    }
+    store.endGroup();
+    store.beginGroup(kGeometryGroup);
+    for (const auto& [key, rect] : geometries) store.setValue(QString::fromStdString(key), rect);
+    store.endGroup();
+    store.sync();
+
+    changed = store.status() != QSettings::NoError;
+    if (changed) HxMessage::getTheMsg()->printf("%s: cannot be written.", qPrintable(storePath));
+    return !changed;
+}
+
+void HxSettingsMgr::useMemoryStore()
+{
+    getInstance()->storePath.clear();
+    getInstance()->read();
+}
+
+void HxSettingsMgr::useFile(const char* path)
+{
+    getInstance()->storePath = QString::fromUtf8(path);
+    getInstance()->read();
+}
+
+void HxSettingsMgr::useUserStore()
+{
+    getInstance()->storePath =
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/vorel/vorel.ini";
+    getInstance()->read();
+}
+
+void HxSettingsMgr::read()
+{
+    preferences = HxPreferences();
+    geometries.clear();
+    changed = false;
+    if (storePath.isEmpty()) return;
+
+    QSettings store(storePath, QSettings::IniFormat);
+    if (store.status() != QSettings::NoError)
+        HxMessage::getTheMsg()->printf("%s: not a preferences file, starting from defaults.",
+                                       qPrintable(storePath));
+    store.beginGroup(kPreferencesGroup);
+    for (const char* name : HxPreferences::fieldNames()) {
+        if (!store.contains(name)) {
+            changed = true; // a first start, or a newer program: the default is to be written
+            continue;
+        }
+        const QByteArray value = store.value(name).toString().toUtf8();
+        McString error;
+        if (!preferences.set(name, value, error))
+            HxMessage::getTheMsg()->printf("%s: %s", qPrintable(storePath), error.c_str());
+    }
+    store.endGroup();
+    store.beginGroup(kGeometryGroup);
+    for (const QString& key : store.childKeys()) geometries[key.toStdString()] = store.value(key).toRect();
+    store.endGroup();
+}

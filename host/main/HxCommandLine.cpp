@@ -1,0 +1,51 @@
+#include "main/HxCommandLine.h"
+
+bool HxCommandLine::parse(int argc, char** argv, std::string& error)
+{
+    bool optionsEnded = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        const bool isOption = !optionsEnded && word.size() > 1 && word[0] == '-';
+        if (!isOption) {
+            files.push_back(word);
+        } else if (word == "--") {
+            optionsEnded = true;
+        } else if (word == "--headless") {
+            headless = true;
+        } else if (word == "--version") {
+            showVersion = true;
+        } else if (word == "--help") {
+            showHelp = true;
+        } else if (word == "--eval" || word == "--preferences") {
+            if (++i == argc) {
+                error = "Option " + word + " needs a value.";
+                return false;
+            }
+            if (word == "--eval")
+                scripts.emplace_back(argv[i]);
+            else
+                preferencesFile = argv[i];
+        } else {
+            error = "Unknown option " + word + ".";
+            return false;
+        }
+    }
+    return true;
+}
+
+const char* HxCommandLine::usage()
+{
+    return "usage: vorel [--headless] [--eval TCL] [--preferences FILE] [--version] [--help] [FILE...]\n"
+           "\n"
+           "Loads data files and runs files that end in .hx or .tcl, in the given order.\n"
+           "\n"
+           "  --headless          no windows\n"
+           "  --eval TCL          runs a script after the files; may be repeated\n"
+           "  --preferences FILE  reads and writes the preferences here\n"
+           "  --version           prints the version\n"
+           "  --help              prints this text\n"
+           "\n"
+           "Without files and scripts, commands are read from standard input.\n"
+           "The exit code is 0, 1 after a failed file or script, 2 after a wrong option, or that of "
+           "`quit`.\n";
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+struct Tcl_Interp;
+
+/// The command `help ?WORD?`: without a word, all commands of the program; for the name of an object, all
+/// commands that it answers; for the name of a command, its explanation, whoever answers it.
+int hxHelpCommand(Tcl_Interp* interp, int wordCount, const char* const* words);
