@@ -6,7 +6,7 @@
 ///
 /// A pixel belongs to the polygon if its centre does, by the even-odd rule; a centre exactly on an
 /// edge counts on the lower row side and on either end of a span. Polygons may be concave and may
-/// cross themselves. Main thread only.
+/// cross themselves.
 ///
 /// Method: Heckbert, "Concave Polygon Scan Conversion", Graphics Gems, 1990.
 class GiScanConvert

@@ -1,0 +1,220 @@
+#include "core/GiLabelTransfer.h"
+
+#include "core/GiAcceptRow.h"
+#include "core/GiLabelWords.h"
+#include "core/GiRowFill.h"
+#include "mc/McBitfield.h"
+#include "mc/McDArray.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace {
+
+constexpr unsigned long kWord = 32; // voxels per word of a bit field
+
+/// Counts by label.
+struct Histogram
+{
+    unsigned long counts[256] = {};
+
+    void add(const Histogram& other)
+    {
+        for (int label = 0; label < 256; ++label) counts[label] += other.counts[label];
+    }
+    /// The most frequent label other than `tissue`, the lowest on a tie; -1 if there is none.
+    int mostFrequentBut(int tissue) const
+    {
+        int best = -1;
+        unsigned long bestCount = 0;
+        for (int label = 0; label < 256; ++label) {
+            if (label == tissue || counts[label] <= bestCount) continue;
+            best = label;
+            bestCount = counts[label];
+        }
+        return best;
+    }
+};
+
+/// Runs step(first, end) on one contiguous chunk of [0, n) per thread.
+template <class Step>
+void forEachChunk(unsigned long n, int threads, const Step& step)
+{
+    const auto parts = static_cast<unsigned long>(std::max(1, threads));
+    const unsigned long chunk = (n + parts - 1) / parts;
+#pragma omp parallel for num_threads(static_cast <int>(parts)) schedule(static, 1)
+    for (unsigned long part = 0; part < parts; ++part) {
+        const unsigned long first = std::min(n, part * chunk);
+        const unsigned long end = std::min(n, first + chunk);
+        if (first < end) step(first, end);
+    }
+}
+
+/// Writes `value` into each voxel of the set whose label is `changeable`.
+void writeVoxels(const McBitfield& bits, unsigned char* labels, unsigned long n, const GiLabelSet& changeable,
+                 unsigned char value, int threads)
+{
+    forEachChunk(n / kWord, threads, [&](unsigned long first, unsigned long end) {
+        giWriteWords(bits.words(), first, end, labels, changeable, value);
+    });
+    for (unsigned long i = n / kWord * kWord; i < n; ++i)
+        if (bits.isSet(i) && changeable.contains(labels[i])) labels[i] = value;
+}
+
+/// The rows of a set of voxels, 64 voxels at a time, with the voxels around them.
+class BoundaryCount
+{
+public:
+    BoundaryCount(const McBitfield& set, const unsigned char* volume, const unsigned long* dims)
+        : bits(set), labels(volume), nx(dims[0]), ny(dims[1]), nz(dims[2]), plane(dims[0] * dims[1])
+    {
+    }
+
+    /// Counts the labels outside the set in one row, once for each face that they share with it.
+    void countRow(unsigned long row, Histogram& histogram) const
+    {
+        const unsigned long y = row % ny, z = row / ny;
+        for (unsigned long x = 0; x < nx; x += 64) {
+            const unsigned long at = row * nx + x;
+            const unsigned long n = std::min(64ul, nx - x);
+            const std::uint64_t inRow = ~std::uint64_t{0} >> (64 - n);
+            const std::uint64_t set = bits.load64(at);
+            const std::uint64_t outside = ~set & inRow;
+            const std::uint64_t sides[6] = {
+                z > 0 ? bits.load64(at - plane) : 0,
+                z + 1 < nz ? bits.load64(at + plane) : 0,
+                y > 0 ? bits.load64(at - nx) : 0,
+                y + 1 < ny ? bits.load64(at + nx) : 0,
+                set << 1 | static_cast<std::uint64_t>(x > 0 && bits.isSet(at - 1)),
+                (set & inRow) >> 1 | static_cast<std::uint64_t>(x + 64 < nx && bits.isSet(at + 64)) << 63,
+            };
+            std::uint64_t touched =
+                outside & (sides[0] | sides[1] | sides[2] | sides[3] | sides[4] | sides[5]);
+            for (; touched; touched &= touched - 1) {
+                const int i = std::countr_zero(touched);
+                unsigned long faces = 0;
+                for (const std::uint64_t side : sides) faces += side >> i & 1;
+                histogram.counts[labels[at + static_cast<unsigned long>(i)]] += faces;
+            }
+        }
+    }
+
+private:
+    const McBitfield& bits;
+    const unsigned char* labels;
+    const unsigned long nx, ny, nz, plane;
+};
+
+/// Counts the labels of the set itself in whole words [first, end).
+void countOwn(const McBitfield& bits, const unsigned char* labels, unsigned long first, unsigned long end,
+              Histogram& histogram)
+{
+    for (unsigned long i = first; i < end; ++i) {
+        unsigned int word = bits.words()[i];
+        const unsigned char* const at = labels + i * kWord;
+        // The inside of a material, which is most of it, needs one look.
+        if (word == ~0u && std::memcmp(at, at + 1, kWord - 1) == 0) {
+            histogram.counts[*at] += kWord;
+            continue;
+        }
+        for (; word; word &= word - 1) ++histogram.counts[at[std::countr_zero(word)]];
+    }
+}
+
+} // namespace
+
+void giAddVoxels(const McBitfield& bits, unsigned char* labels, unsigned long n, int tissue,
+                 const int* locked, int threads)
+{
+    GiLabelSet unlocked;
+    for (int label = 0; label < 256; ++label)
+        if (!locked || !locked[label]) unlocked.insert(label);
+    writeVoxels(bits, labels, n, unlocked, static_cast<unsigned char>(tissue), threads);
+}
+
+void giMoveVoxels(const McBitfield& bits, unsigned char* labels, unsigned long n, int tissue, int target,
+                  int threads)
+{
+    if (tissue < 0 || tissue > 255) return;
+    GiLabelSet moving;
+    moving.insert(tissue);
+    writeVoxels(bits, labels, n, moving, static_cast<unsigned char>(target), threads);
+}
+
+int giChooseTarget3D(const McBitfield& bits, const unsigned char* labels, const unsigned long* dims,
+                     int tissue, int threads)
+{
+    Histogram shared;
+    const BoundaryCount boundary(bits, labels, dims);
+    forEachChunk(dims[1] * dims[2], threads, [&](unsigned long first, unsigned long end) {
+        Histogram own;
+        for (unsigned long row = first; row < end; ++row) boundary.countRow(row, own);
+#pragma omp critical(giLabelTransferCount)
+        shared.add(own);
+    });
+    int target = shared.mostFrequentBut(tissue);
+    if (target >= 0) return target;
+
+    // Padding bits are 0, so the last word needs no treatment of its own.
+    const unsigned long n = dims[0] * dims[1] * dims[2];
+    forEachChunk(n / kWord, threads, [&](unsigned long first, unsigned long end) {
+        Histogram own;
+        countOwn(bits, labels, first, end, own);
+#pragma omp critical(giLabelTransferCount)
+        shared.add(own);
+    });
+    for (unsigned long i = n / kWord * kWord; i < n; ++i)
+        if (bits.isSet(i)) ++shared.counts[labels[i]];
+    target = shared.mostFrequentBut(tissue);
+    return target >= 0 ? target : 0;
+}
+
+void giSelectTissue(McBitfield& bits, const unsigned char* labels, unsigned long n, int tissue, int mode,
+                    int threads)
+{
+    if (tissue < 0 || tissue > 255) {
+        if (mode == kLabelsReplace) bits.unsetAll();
+        return;
+    }
+    forEachChunk(n / kWord, threads, [&](unsigned long first, unsigned long end) {
+        giMatchWords(bits.words(), first, end, labels, static_cast<unsigned char>(tissue), mode);
+    });
+    for (unsigned long i = n / kWord * kWord; i < n; ++i) {
+        if (mode == kLabelsReplace) bits.unset(i);
+        if (labels[i] != tissue) continue;
+        if (mode == kLabelsReplace || mode == kLabelsAdd)
+            bits.set(i);
+        else
+            bits.unset(i);
+    }
+}
+
+void giMarkPieces(const McBitfield& selection, const unsigned char* labels, const unsigned long* dims,
+                  int tissue, McBitfield& region)
+{
+    const unsigned long nx = dims[0], rows = dims[1] * dims[2];
+    region.resize(0); // fresh memory comes cleared
+    region.resize(nx * rows);
+    if (tissue < 0 || tissue > 255) return;
+
+    const auto label = static_cast<unsigned char>(tissue);
+    const unsigned long words = (nx + 63) / 64;
+    McDArray<unsigned char> accepted(static_cast<int>(words * 64)); // beyond the row: refused
+    GiRowFill fill(dims, region, [&](unsigned long row, std::uint64_t* acceptedBits) {
+        giAcceptWindow(labels + row * nx, nx, label, label, accepted.data());
+        giPackAccepted(accepted.data(), words, acceptedBits);
+    });
+    long ignoredBounds[6] = {};
+    for (unsigned long row = 0; row < rows; ++row) {
+        for (unsigned long x = 0; x < nx; x += 64) {
+            const unsigned long n = std::min(64ul, nx - x);
+            const std::uint64_t selected = selection.load64(row * nx + x) & ~std::uint64_t{0} >> (64 - n);
+            if (!selected) continue;
+            // A fill closes all that it reaches, so the open voxels are asked for anew.
+            while (const std::uint64_t seeds = selected & fill.openVoxels(row, x / 64))
+                fill.fill(static_cast<long>(x) + std::countr_zero(seeds), static_cast<long>(row % dims[1]),
+                          static_cast<long>(row / dims[1]), ignoredBounds);
+        }
+    }
+}
