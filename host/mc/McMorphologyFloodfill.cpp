@@ -76,7 +76,7 @@ public:
     {
         const long rows = ny * nz;
         const long blocks = (rows + kMcRowsPerBlock - 1) / kMcRowsPerBlock;
-#pragma omp parallel for num_threads(mcNumThreads()) schedule(static)
+#pragma omp parallel for num_threads(mcNumThreadsFor(source.numBits() / 8)) schedule(static)
         for (long b = 0; b < blocks; b++) {
             const long firstRow = b * kMcRowsPerBlock;
             storeRows(result.words64(), firstRow, std::min(firstRow + kMcRowsPerBlock, rows));
@@ -101,7 +101,7 @@ private:
     {
         const Word used = mcLastWordMask(nx);
         const long rows = ny * nz;
-#pragma omp parallel for num_threads(mcNumThreads()) schedule(static)
+#pragma omp parallel for num_threads(mcNumThreadsFor(source.numBits() / 8)) schedule(static)
         for (long r = 0; r < rows; r++) {
             Word* row = open.data() + r * n;
             mcLoadBitRow(source.words64(), 1ul * r * nx, n, flip, row);

@@ -208,7 +208,7 @@ TEST(McRawData, MapsBytesLinearly)
 TEST(McHistogram, CountsEachValueOnceInItsBin)
 {
     std::mt19937 random(43);
-    std::vector<short> shorts(5000);
+    std::vector<short> shorts(50001);
     for (short& v : shorts) v = short(int(random() % 3001) - 1500);
     std::vector<float> floats(shorts.begin(), shorts.end());
     const McHistogram ofShorts(McTypedPointer(shorts.data(), kMcShort), shorts.size(), 120);
