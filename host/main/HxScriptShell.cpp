@@ -13,7 +13,7 @@ HxScriptShell::HxScriptShell()
     : notifier(STDIN_FILENO, QSocketNotifier::Read),
       interactive(isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
 {
-    connect(&notifier, &QSocketNotifier::activated, this, &HxScriptShell::readMore);
+    QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [this] { readMore(); });
 }
 
 int HxScriptShell::run()
