@@ -189,7 +189,11 @@ void GiQ::clear()
     imageLattice = nullptr;
     selection->resize(0, 0, 0);
     touchData(1, 0, 0, 0, 0, 0);
-    for (int i = viewers.size() - 1; i >= 0; --i) viewers[i]->getLabelImage()->setMemory(nullptr, 0, 0);
+    for (int i = viewers.size() - 1; i >= 0; --i) {
+        viewers[i]->getLabelImage()->setMemory(nullptr, 0, 0);
+        // The window into the bits must shrink with them: undo and clear scan it at any time.
+        selection->getSlice(viewers[i]->getSelection(), viewers[i]->getOrientation(), 0);
+    }
     setDataWindow(0, 255, true);
     setToolDataWindow(0, 255, true);
     clearUndo(1);

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-GiViewer::GiViewer(const char* viewerName, Gi* owner) : HxViewerBase(viewerName), gi(owner) {}
+GiViewer::GiViewer(const char* title, Gi* owner) : HxViewerBase(title), gi(owner) {}
 
 void GiViewer::createShapes()
 {
