@@ -1,69 +1,15 @@
+#include "DicomFile.h"
 #include "FileTest.h"
 
 #include "io/HxNaturalOrder.h"
 
 #include <QImage>
 #include <algorithm>
-#include <cstdint>
 
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-/// A slice in explicit little-endian encoding (DICOM PS3.5 and PS3.10), put together byte by byte.
-struct Dicom
-{
-    std::string series = "1.2.3.4";
-    std::string position = "0\\0\\0";
-    std::string orientation = "1\\0\\0\\0\\1\\0";
-    std::string slope = "1";
-    std::string intercept = "0";
-    int number = 1;
-    std::uint16_t rows = 2;
-    std::uint16_t columns = 3;
-
-    static std::string word(std::uint16_t v) { return std::string(reinterpret_cast<char*>(&v), 2); }
-    static std::string longWord(std::uint32_t v) { return std::string(reinterpret_cast<char*>(&v), 4); }
-
-    static std::string element(std::uint16_t group, std::uint16_t tag, const std::string& vr,
-                               std::string value)
-    {
-        if (value.size() % 2) value += vr == "UI" ? '\0' : ' ';
-        const std::string head = word(group) + word(tag) + vr;
-        if (vr == "OB" || vr == "OW")
-            return head + word(0) + longWord(static_cast<std::uint32_t>(value.size())) + value;
-        return head + word(static_cast<std::uint16_t>(value.size())) + value;
-    }
-
-    std::string bytes(const std::vector<short>& voxels) const
-    {
-        const std::string ct = "1.2.840.10008.5.1.4.1.1.2";
-        const std::string instance = series + "." + std::to_string(number);
-        const std::string meta = element(2, 1, "OB", std::string("\0\1", 2)) + element(2, 2, "UI", ct) +
-                                 element(2, 3, "UI", instance) +
-                                 element(2, 0x10, "UI", "1.2.840.10008.1.2.1") +
-                                 element(2, 0x12, "UI", "1.2.3");
-        return std::string(128, 0) + "DICM" +
-               element(2, 0, "UL", longWord(static_cast<std::uint32_t>(meta.size()))) + meta +
-               element(8, 0x16, "UI", ct) + element(8, 0x18, "UI", instance) + element(8, 0x60, "CS", "CT") +
-               element(8, 0x103e, "LO", "Series " + series) + element(0x20, 0xd, "UI", "1.2.3") +
-               element(0x20, 0xe, "UI", series) + element(0x20, 0x13, "IS", std::to_string(number)) +
-               (position.empty() ? "" : element(0x20, 0x32, "DS", position)) +
-               element(0x20, 0x37, "DS", orientation) + element(0x28, 2, "US", word(1)) +
-               element(0x28, 4, "CS", "MONOCHROME2") + element(0x28, 0x10, "US", word(rows)) +
-               element(0x28, 0x11, "US", word(columns)) + element(0x28, 0x30, "DS", "0.5\\0.75") +
-               element(0x28, 0x100, "US", word(16)) + element(0x28, 0x101, "US", word(16)) +
-               element(0x28, 0x102, "US", word(15)) + element(0x28, 0x103, "US", word(1)) +
-               element(0x28, 0x1052, "DS", intercept) + element(0x28, 0x1053, "DS", slope) +
-               element(0x7fe0, 0x10, "OW", raw(voxels));
-    }
-
-    static std::string raw(const std::vector<short>& v)
-    {
-        return std::string(reinterpret_cast<const char*>(v.data()), 2 * v.size());
-    }
-};
 
 std::vector<short> slice(int first)
 {
@@ -76,7 +22,7 @@ class SliceSeries : public FileTest
 {
 protected:
     // Names tell nothing about the order: slice i is stored under the i-th of these.
-    std::vector<std::string> storeSeries(const std::vector<std::string>& positions, Dicom dicom = {})
+    std::vector<std::string> storeSeries(const std::vector<std::string>& positions, DicomFile dicom = {})
     {
         const char* const names[] = {"k", "b", "z", "a"};
         std::vector<std::string> files;
@@ -114,7 +60,7 @@ TEST_F(SliceSeries, DicomSortsByPositionAlongTheNormal)
     }
     // A sagittal frame: the normal of rows along y and columns along -z is -x.
     const Field sagittal =
-        load(storeSeries({"4\\0\\0", "2\\0\\0", "0\\0\\0"}, Dicom{.orientation = "0\\1\\0\\0\\0\\-1"}));
+        load(storeSeries({"4\\0\\0", "2\\0\\0", "0\\0\\0"}, DicomFile{.orientation = "0\\1\\0\\0\\0\\-1"}));
     ASSERT_TRUE(sagittal) << error;
     EXPECT_THAT(firstVoxels(sagittal), ElementsAre(0, 10, 20));
     EXPECT_THAT(numbers(sagittal, "Directions", 9), ElementsAre(0, 0, -1, 1, 0, 0, 0, -1, 0));
@@ -136,8 +82,9 @@ TEST_F(SliceSeries, DicomWithUnequalGapsIsStacked)
 TEST_F(SliceSeries, DicomRescalesAndWidensToOneTypeForAllSlices)
 {
     store("r/1",
-          Dicom{.position = "0\\0\\0", .slope = "2", .intercept = "-1024", .number = 1}.bytes(slice(0)));
-    store("r/2", Dicom{.position = "0\\0\\1", .slope = "0.5", .intercept = "0", .number = 2}.bytes(slice(1)));
+          DicomFile{.position = "0\\0\\0", .slope = "2", .intercept = "-1024", .number = 1}.bytes(slice(0)));
+    store("r/2",
+          DicomFile{.position = "0\\0\\1", .slope = "0.5", .intercept = "0", .number = 2}.bytes(slice(1)));
     const Field field = load(path("r"));
     ASSERT_TRUE(field) << error;
     ASSERT_EQ(field->lattice()->primType(), 4);
@@ -149,7 +96,7 @@ TEST_F(SliceSeries, DicomRescalesAndWidensToOneTypeForAllSlices)
 TEST_F(SliceSeries, DicomTellsOfSeveralSeriesOfDoubleAndOfMissingPositions)
 {
     const auto files = storeSeries({"0\\0\\0", "0\\0\\1"});
-    store("dicom/other", Dicom{.series = "1.2.99"}.bytes(slice(0)));
+    store("dicom/other", DicomFile{.series = "1.2.99"}.bytes(slice(0)));
     EXPECT_FALSE(load(path("dicom")));
     EXPECT_THAT(error, HasSubstr("dicom: holds 2 series, load the files of one: "));
     EXPECT_THAT(error, HasSubstr("\"Series 1.2.3.4\" with 2 slices of 3 x 2, from "));
@@ -201,7 +148,7 @@ TEST_F(SliceSeries, PicturesStackInNaturalOrder)
     colors.fill(Qt::red);
     colors.save(QString::fromStdString(path("red.png")));
     EXPECT_FALSE(load(path("red.png")));
-    EXPECT_THAT(error, HasSubstr("red.png: has 3 values per voxel"));
+    EXPECT_THAT(error, HasSubstr("red.png: has several values per pixel"));
 }
 
 TEST_F(SliceSeries, TiffSlicesAndFolders)
@@ -209,7 +156,6 @@ TEST_F(SliceSeries, TiffSlicesAndFolders)
     std::filesystem::create_directories(path("tiff"));
     for (int i : {2, 12}) {
         const Field one = randomImage({3, 2, 1}, 7);
-        voxels<unsigned short>(one);
         static_cast<unsigned short*>(one->lattice()->dataPtr())[0] = static_cast<unsigned short>(i);
         ASSERT_TRUE(save(one, path("tiff/i" + std::to_string(i) + ".tif"))) << error;
     }
@@ -218,7 +164,7 @@ TEST_F(SliceSeries, TiffSlicesAndFolders)
     EXPECT_EQ(voxels<unsigned short>(field)[0], 2);
     EXPECT_EQ(voxels<unsigned short>(field)[6], 12);
 
-    ASSERT_TRUE(save(field, path("one/pages.tif")) || save(field, path("pages.tif"))) << error;
+    ASSERT_TRUE(save(field, path("pages.tif"))) << error;
     expectSameVoxels(field, load(path("pages.tif")));
     std::filesystem::create_directories(path("empty"));
     EXPECT_FALSE(load(path("empty")));
