@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <tcl.h>
 #include <unistd.h>
+#include <utility>
 
 HxScriptShell::HxScriptShell()
     : notifier(STDIN_FILENO, QSocketNotifier::Read),

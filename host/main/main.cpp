@@ -3,7 +3,6 @@
 #include "hx/HxObjectPool.h"
 #include "hx/HxPackage.h"
 #include "hx/HxResource.h"
-#include "hx/HxScriptCommands.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSubApplication.h"
 #include "hx/HxTerminalProgress.h"
