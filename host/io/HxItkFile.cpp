@@ -2,6 +2,7 @@
 
 #include "io/HxDicomPixels.h"
 #include "io/HxFileError.h"
+#include "io/HxLibraryProbe.h"
 #include "io/HxQuietLibraries.h"
 #include "io/HxTiffPages.h"
 
@@ -144,7 +145,11 @@ HxItkFile::~HxItkFile() = default;
 bool HxItkFile::isDicom(const std::string& path)
 {
     bool is = false;
-    guarded(path, "cannot be read", [&] { is = itk::GDCMImageIO::New()->CanReadFile(path.c_str()); });
+    const auto ask = [&](int) {
+        guarded(path, "cannot be read", [&] { is = itk::GDCMImageIO::New()->CanReadFile(path.c_str()); });
+    };
+    if (HxLibraryProbe::firstDeadlyCall(1, ask) >= 0) return false;
+    ask(0);
     return is;
 }
 

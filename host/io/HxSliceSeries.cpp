@@ -3,6 +3,7 @@
 #include "io/HxFileError.h"
 #include "io/HxFileKind.h"
 #include "io/HxItkFile.h"
+#include "io/HxLibraryProbe.h"
 #include "io/HxNaturalOrder.h"
 #include "io/HxPictureFile.h"
 
@@ -27,8 +28,18 @@ HxVolume HxSliceSeries::readStack(std::vector<std::string> files, const std::str
     return join(slices, named);
 }
 
+void HxSliceSeries::probeDicom(const std::vector<std::string>& files)
+{
+    const auto readOne = [&](int i) {
+        HxItkFile(files[static_cast<std::size_t>(i)], HxFileKind::dicom).read();
+    };
+    const int bad = HxLibraryProbe::firstDeadlyCall(static_cast<int>(files.size()), readOne);
+    if (bad >= 0) throw HxFileError(files[static_cast<std::size_t>(bad)], "the DICOM file is damaged");
+}
+
 std::unique_ptr<HxSliceFile> HxSliceSeries::open(const std::string& path, HxFileKind kind)
 {
+    if (kind == HxFileKind::dicom) probeDicom({path});
     if (kind == HxFileKind::dicom || kind == HxFileKind::tiff) return std::make_unique<HxItkFile>(path, kind);
     return std::make_unique<HxPictureFile>(path, kind);
 }
