@@ -148,7 +148,8 @@ bool HxItkFile::isDicom(const std::string& path)
     const auto ask = [&](int) {
         guarded(path, "cannot be read", [&] { is = itk::GDCMImageIO::New()->CanReadFile(path.c_str()); });
     };
-    if (HxLibraryProbe::firstDeadlyCall(1, ask) >= 0) return false;
+    constexpr std::size_t kExtraBytes = std::size_t(256) << 20;
+    if (HxLibraryProbe::firstFailure(1, kExtraBytes, ask)) return false;
     ask(0);
     return is;
 }

@@ -1,13 +1,24 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <optional>
+#include <string>
 
-/// Tries calls into a library that ends the program on damaged input, in a child process, where no harm
-/// comes of it. GDCM does so: it is built with its assertions.
+/// Tries calls into a library in a child process first, where no harm comes of it. GDCM needs this: it is
+/// built with its assertions, which end the program on damaged input, and it takes as much memory as a
+/// damaged length asks for.
 struct HxLibraryProbe
 {
-    /// Runs call(0) to call(count - 1) in the child; their exceptions are left for the real calls.
+    struct Failure
+    {
+        int call;
+        std::string text; ///< of the exception; empty if the child died
+    };
+
+    /// Runs call(0) to call(count - 1) in the child, up to the first that throws or kills it.
     ///
-    /// returns the index of the call in which the child died, -1 if all came back
-    static int firstDeadlyCall(int count, const std::function<void(int)>& call);
+    /// extraBytes  memory that the calls may take beyond what this process has already
+    static std::optional<Failure> firstFailure(int count, std::size_t extraBytes,
+                                               const std::function<void(int)>& call);
 };

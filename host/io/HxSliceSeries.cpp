@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 namespace {
 
@@ -16,6 +17,17 @@ std::string sizeText(const HxSliceFile& file)
 {
     std::string text = std::to_string(file.dims()[0]) + " x " + std::to_string(file.dims()[1]);
     return file.dims()[2] == 1 ? text : text + " x " + std::to_string(file.dims()[2]);
+}
+
+// Packed pixels grow to some tens of times of the file; a file that asks for more is damaged.
+std::size_t memoryFor(const std::vector<std::string>& files)
+{
+    constexpr std::size_t kLeast = std::size_t(256) << 20;
+    constexpr std::size_t kGrowth = 64;
+    std::size_t largest = 0;
+    for (const std::string& file : files)
+        largest = std::max<std::size_t>(largest, std::filesystem::file_size(file));
+    return kLeast + kGrowth * largest;
 }
 
 } // namespace
@@ -33,8 +45,14 @@ void HxSliceSeries::probeDicom(const std::vector<std::string>& files)
     const auto readOne = [&](int i) {
         HxItkFile(files[static_cast<std::size_t>(i)], HxFileKind::dicom).read();
     };
-    const int bad = HxLibraryProbe::firstDeadlyCall(static_cast<int>(files.size()), readOne);
-    if (bad >= 0) throw HxFileError(files[static_cast<std::size_t>(bad)], "the DICOM file is damaged");
+    const auto failure =
+        HxLibraryProbe::firstFailure(static_cast<int>(files.size()), memoryFor(files), readOne);
+    if (!failure) return;
+    const std::string& file = files[static_cast<std::size_t>(failure->call)];
+    const std::string named = file + ": ";
+    if (failure->text.size() <= named.size() + 1 || failure->text.compare(0, named.size(), named) != 0)
+        throw HxFileError(file, "the DICOM file is damaged");
+    throw HxFileError(file, failure->text.substr(named.size(), failure->text.size() - named.size() - 1));
 }
 
 std::unique_ptr<HxSliceFile> HxSliceSeries::open(const std::string& path, HxFileKind kind)

@@ -21,7 +21,7 @@ struct HxSliceSeries
     static HxVolume readDicom(const std::vector<std::string>& files, const std::string& named,
                               std::vector<std::string>& warnings);
 
-    /// Makes sure that the library survives the files. throws HxFileError
+    /// Tries in a child process whether the library can read the files, and survives. throws HxFileError
     static void probeDicom(const std::vector<std::string>& files);
 
     /// Flat images of one size, in natural order of their names, 1 apart.
