@@ -187,13 +187,13 @@ void GiQ::clear()
     imageData = nullptr;
     labelLattice = nullptr;
     imageLattice = nullptr;
+    currentTissue = 0;
     selection->resize(0, 0, 0);
-    touchData(1, 0, 0, 0, 0, 0);
-    for (int i = viewers.size() - 1; i >= 0; --i) {
-        viewers[i]->getLabelImage()->setMemory(nullptr, 0, 0);
-        // The window into the bits must shrink with them: undo and clear scan it at any time.
+    // The windows into the bits must shrink with them before anybody is told: listeners scan them.
+    for (int i = 0; i < viewers.size(); ++i)
         selection->getSlice(viewers[i]->getSelection(), viewers[i]->getOrientation(), 0);
-    }
+    touchData(1, 0, 0, 0, 0, 0);
+    for (int i = viewers.size() - 1; i >= 0; --i) viewers[i]->getLabelImage()->setMemory(nullptr, 0, 0);
     setDataWindow(0, 255, true);
     setToolDataWindow(0, 255, true);
     clearUndo(1);
