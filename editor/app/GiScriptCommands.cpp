@@ -133,6 +133,8 @@ int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
     }
     gi.touchData(0, 1, -1, -1, -1, -1);
     gi.materialsChanged();
+    // The name rule may have changed the text; a script that goes on with the name must know it.
+    Tcl_VaSetResult(interp, "%s", hasLongName ? value : material->getName());
     return TCL_OK;
 }
 
@@ -198,6 +200,7 @@ void giAddScriptCommands()
     HxScriptCommands::add(
         "material", "material INDEX lock|name|color ?VALUE?",
         "Reads or sets the lock (0 or 1), the name or the color (three numbers from 0 to 1) of "
-        "a material of the open label field.",
+        "a material of the open label field. Setting a name gives the name that the material got: letters, "
+        "digits and _-. stay, blanks become _, all else is dropped.",
         material);
 }

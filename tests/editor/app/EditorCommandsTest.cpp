@@ -221,7 +221,7 @@ TEST_F(EditorCommands, CommandsOfLaterOperationsSaySo)
 TEST_F(EditorCommands, RowsOfTheMaterialTable)
 {
     EXPECT_EQ(eval("material 1 name"), "M1");
-    eval("material 1 name {Left lung!}");
+    EXPECT_EQ(eval("material 1 name {Left lung!}"), "Left_lung");
     EXPECT_EQ(eval("material 1 name"), "Left_lung") << "names follow the rule of parameters";
     EXPECT_EQ(eval("labels materials"), "Exterior Left_lung M2 M3");
     EXPECT_EQ(error("material 2 name Left_lung"), "material: there is a material \"Left_lung\" already.");
