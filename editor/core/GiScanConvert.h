@@ -4,9 +4,9 @@
 
 /// Turns a polygon into spans of pixels.
 ///
-/// A pixel belongs to the polygon if its centre does, by the even-odd rule; a centre exactly on an
-/// edge counts on the lower row side and on either end of a span. Polygons may be concave and may
-/// cross themselves.
+/// A pixel belongs to the polygon if its centre does, by the even-odd rule. A centre exactly on an
+/// edge counts at the top and at both sides, and not at the bottom, so that polygons that meet
+/// along a horizontal line share no row. Polygons may be concave and may cross themselves.
 ///
 /// Method: Heckbert, "Concave Polygon Scan Conversion", Graphics Gems, 1990.
 class GiScanConvert

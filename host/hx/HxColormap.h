@@ -57,13 +57,8 @@ protected:
     bool writeFile(const char* path, McString& error) override;
 
 private:
-    void tableChanged();
-    void pack();
-
     std::vector<Color> table;
     Color below;
     Color above;
     bool interpolating = true;
-    unsigned int packedBelow = 0;
-    unsigned int packedAbove = 0;
 };

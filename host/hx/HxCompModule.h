@@ -40,9 +40,10 @@ public:
     /// Null takes the former result away. The last argument is reserved, -1.
     void setResult(int index, HxData* data, int reserved);
 
-    int parse(Tcl_Interp* interp, int wordCount, char** words) override;
-    void commandHelp(McDArray<HxCommandHelp>& list) const override;
-    void notifyDelete() override;
+    int parse(Tcl_Interp* interp, int wordCount, char** words) override
+    {
+        return HxObject::parse(interp, wordCount, words);
+    }
 
 protected:
     void memberRemoved(HxObject* member) override;
@@ -50,6 +51,7 @@ protected:
 private:
     friend class HxMasterConnection;
 
+    void run();
     void releaseResult(int index);
     void releaseAllResults();
 

@@ -35,7 +35,6 @@ public:
 
     int parse(Tcl_Interp* interp, int wordCount, char** words) override;
     void commandHelp(McDArray<HxCommandHelp>& list) const override;
-    void notifyDelete() override;
 
 signals:
     /// Bits as in HxObject.

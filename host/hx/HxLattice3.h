@@ -13,14 +13,14 @@ public:
     static McTypeId getClassTypeId();
 
     /// dims         counts along x, y, z; sides may exceed 32767
-    /// type         host element code; code 5 or 6 (reserved) takes 8 bytes a component
-    /// data         block of the whole lattice; null: a new zeroed one, owned
-    /// takeOver     true: data is malloc'ed, and freed with the lattice. false: a view
-    /// throws  McMemoryException
-    HxLattice3(const unsigned long* dims, int numDataVars, int type, int coordKind, void* data,
+    /// elementType  host element code; code 5 or 6 (reserved) takes 8 bytes a component
+    /// block        memory of the whole lattice; null: a new zeroed one, owned
+    /// takeOver     true: the block is malloc'ed, and freed with the lattice. false: a view
+    /// throws  McMemoryException; McException for an unknown code. The block stays the caller's then
+    HxLattice3(const unsigned long* dims, int numDataVars, int elementType, int coordKind, void* block,
                bool takeOver);
     /// The same on given coordinates, which the lattice takes over, with their dims.
-    HxLattice3(HxLatticeCoords* coords, int numDataVars, int type, void* data, bool takeOver);
+    HxLattice3(HxLatticeCoords* coords, int numDataVars, int elementType, void* block, bool takeOver);
     ~HxLattice3() override;
     HxLattice3(const HxLattice3&) = delete;
     HxLattice3& operator=(const HxLattice3&) = delete;

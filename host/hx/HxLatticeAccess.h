@@ -10,7 +10,7 @@ class HxLattice3;
 class HxLatticeAccess
 {
 public:
-    explicit HxLatticeAccess(HxLattice3* lattice);
+    explicit HxLatticeAccess(HxLattice3* accessed);
 
     /// Start of the memory; null if `dims` are not the lattice's three dimensions.
     void* rawData(const unsigned long* dims) const;

@@ -28,8 +28,8 @@ public:
     HxParamBundle* bundle(int i) const;
     /// By name; null if absent and `create` is 0, else made at the end. A value of that name
     /// gives way to the bundle.
-    HxParamBundle* bundle(const char* name, int create) const;
     HxParamBundle* bundle(const char* name, int create);
+    const HxParamBundle* bundle(const char* name) const;
     /// The sub-bundle "Materials", created empty when absent.
     HxParamBundle* materials();
     /// Index of a sub-bundle, -1 if absent.

@@ -21,7 +21,7 @@ public:
 
     /// An empty string. The name is cleaned; reading it back with getName() gives the legal name.
     explicit HxParameter(const char* name);
-    HxParameter(const char* name, int value);
+    HxParameter(const char* name, int number);
     HxParameter(const char* name, int count, const int* values);
     HxParameter(const char* name, int count, const float* values);
     HxParameter(const char* name, int count, const double* values);

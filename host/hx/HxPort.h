@@ -50,6 +50,8 @@ protected:
     virtual bool run(const HxScriptCall& call, int& code) = 0;
     /// Checks the number of words after word 2; false leaves the complaint as result.
     static bool checkWords(const HxScriptCall& call, int min, int max, const char* usage);
+    /// Appends one help line; the usage is without the port's name.
+    void appendHelp(McDArray<HxCommandHelp>& list, const char* usage, const char* text) const;
     /// Marks as new and tells the widget.
     void valueChanged();
 

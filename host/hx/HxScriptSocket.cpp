@@ -96,7 +96,8 @@ void HxScriptSocket::serve(QTcpSocket* peer)
     if (living && peer->bytesAvailable() > kLongestLine) peer->abort();
 }
 
-bool HxScriptSocket::send(const char* script, const char* host, int port, McString& answer)
+bool HxScriptSocket::send(const char* script, const char* host, int port, McString& answer,
+                          const std::function<bool()>& giveUp)
 {
     const std::string target = std::string(host) + ":" + std::to_string(port);
     const QByteArray line(script);
@@ -113,13 +114,8 @@ bool HxScriptSocket::send(const char* script, const char* host, int port, McStri
     }
     socket.write(line + '\n');
 
-    HxWorkArea* workArea = HxWorkArea::getTheWorkArea();
-    workArea->busyOn();
-    while (!socket.canReadLine() && socket.state() == QAbstractSocket::ConnectedState &&
-           !workArea->interrupted())
+    while (!socket.canReadLine() && socket.state() == QAbstractSocket::ConnectedState && !giveUp())
         socket.waitForReadyRead(kAnswerPollMs);
-    workArea->busyOff();
-
     if (!socket.canReadLine()) {
         answer = (target + ": no answer.").c_str();
         return false;

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QTcpServer>
 
+#include <functional>
+
 class QTcpSocket;
 
 /// Takes scripts from other processes of this machine: one script per line, answered with one line.
@@ -24,12 +26,14 @@ public:
     bool listen(int port);
     int port() const { return server.serverPort(); }
 
-    /// Sends one script line to a listening process and waits for its answer.
+    /// Sends one script line to a listening process and waits for its answer, as long as the other side
+    /// stays connected and `giveUp`, asked ten times a second, is false. Needs no event loop.
     ///
-    /// Waits as long as the other side stays connected, but gives up when the work area is interrupted.
     /// returns true with the other side's result; false with a sentence that names host and port, when the
     /// script has several lines, nobody listens, the other side hangs up, or its script fails
-    static bool send(const char* script, const char* host, int port, McString& answer);
+    static bool send(
+        const char* script, const char* host, int port, McString& answer,
+        const std::function<bool()>& giveUp = [] { return false; });
 
 private:
     void welcome();

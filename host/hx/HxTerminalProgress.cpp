@@ -33,7 +33,7 @@ void HxTerminalProgress::showProgress(double fraction)
 void HxTerminalProgress::draw()
 {
     std::string line = label;
-    if (percent >= 0) line += " " + std::to_string(percent) + " %";
+    if (percent >= 0) line.append(" ").append(std::to_string(percent)).append(" %");
     const std::size_t length = line.size();
     if (length == 0 && shownLength == 0) return;
     if (length < shownLength) line.append(shownLength - length, ' '); // wipes the rest of the longer line

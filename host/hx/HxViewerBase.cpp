@@ -3,7 +3,7 @@
 #include "hx/HxViewerPanelBase.h"
 #include "hx/HxViewerTool.h"
 
-HxViewerBase::HxViewerBase(const char* viewerName) : name(viewerName) {}
+HxViewerBase::HxViewerBase(const char* name) : viewerName(name) {}
 
 HxViewerBase::~HxViewerBase()
 {

@@ -21,7 +21,7 @@ public:
     virtual QWidget* getWidget() { return nullptr; }
     virtual void redraw() {}
 
-    const char* getName() const { return name.c_str(); }
+    const char* getName() const { return viewerName.c_str(); }
 
     /// The panel that the viewer belongs to; null when it has none.
     HxViewerPanelBase* getPanelBase() const { return panel; }
@@ -35,7 +35,7 @@ public:
 private:
     friend class HxViewerPanelBase;
 
-    std::string name;
+    std::string viewerName;
     HxViewerPanelBase* panel = nullptr;
     McHandle<HxViewerModalTool> modalTool;
     std::vector<HxViewerPanelBase*> knownTo; // panels with a plain pointer to this viewer

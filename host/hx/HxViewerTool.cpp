@@ -1,13 +1,13 @@
 #include "hx/HxViewerTool.h"
 
-HxViewerTool::HxViewerTool(const char* toolName) : name(toolName) {}
+HxViewerTool::HxViewerTool(const char* name) : toolName(name) {}
 
 bool HxViewerTool::supportsViewer(HxViewerBase*)
 {
     return true;
 }
 
-HxViewerModalTool::HxViewerModalTool(const char* toolName) : HxViewerTool(toolName) {}
+HxViewerModalTool::HxViewerModalTool(const char* name) : HxViewerTool(name) {}
 
 void HxViewerModalTool::onActivate(HxViewerBase*) {}
 
@@ -16,4 +16,4 @@ int HxViewerModalTool::processEvent(const SoEvent*, HxViewer*)
     return 0;
 }
 
-HxViewerTriggerTool::HxViewerTriggerTool(const char* toolName) : HxViewerTool(toolName) {}
+HxViewerTriggerTool::HxViewerTriggerTool(const char* name) : HxViewerTool(name) {}

@@ -19,15 +19,15 @@ public:
 
     virtual bool supportsViewer(HxViewerBase* viewer);
 
-    const char* getName() const { return name.c_str(); }
+    const char* getName() const { return toolName.c_str(); }
 
     /// File of the icon in a resource folder, empty without one.
-    void setIconFile(const char* file) { icon = file; }
-    const char* iconFile() const { return icon.c_str(); }
+    void setIconFile(const char* file) { iconName = file; }
+    const char* iconFile() const { return iconName.c_str(); }
 
 private:
-    std::string name;
-    std::string icon;
+    std::string toolName;
+    std::string iconName;
 };
 
 /// A tool that stays active and takes a viewer's events.

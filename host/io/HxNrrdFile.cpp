@@ -1,9 +1,9 @@
 #include "io/HxNrrdFile.h"
 
 #include "io/HxFileError.h"
+#include "io/HxNumberText.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -393,8 +393,7 @@ struct HxNrrdFile::Reader
     long long number(const std::string& text, const char* field)
     {
         long long n = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), n);
-        if (error != std::errc() || end != text.data() + text.size())
+        if (!hxParseNumber(text, n))
             file.fail("\"" + text.substr(0, 40) + "\" is no number for the field " + field);
         return n;
     }

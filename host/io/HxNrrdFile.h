@@ -26,6 +26,7 @@ public:
     /// Reads the header. throws HxFileError
     explicit HxNrrdFile(const std::string& path);
 
+    const std::string& fileName() const { return path; }
     const HxNrrdPairs& keyValues() const { return pairs; }
     /// Null if absent.
     const std::string* value(const std::string& key) const;

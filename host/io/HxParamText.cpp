@@ -1,8 +1,8 @@
 #include "io/HxParamText.h"
 
 #include "hx/HxParamBundle.h"
+#include "io/HxNumberText.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -18,24 +18,10 @@ constexpr int kDeepest = 100;
 constexpr char kBundle[] = "b";
 
 template <class T>
-std::string numberText(T v)
-{
-    char text[40];
-    return std::string(text, std::to_chars(text, text + sizeof text, v).ptr);
-}
-
-template <class T>
-bool parseNumber(const std::string& text, T& v)
-{
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), v);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
-template <class T>
 bool parseNumbers(const std::vector<std::string>& words, std::size_t first, std::vector<T>& out)
 {
     for (std::size_t i = first; i < words.size(); ++i)
-        if (!parseNumber(words[i], out.emplace_back())) return false;
+        if (!hxParseNumber(words[i], out.emplace_back())) return false;
     return true;
 }
 
@@ -46,11 +32,11 @@ std::string valueText(const HxParameter& value)
     for (int i = 0; i < value.dim(); ++i) {
         text += ' ';
         if (value.primType() == HxParameter::kInt)
-            text += numberText(value.getInt(i));
+            text += hxNumberText(value.getInt(i));
         else if (value.primType() == HxParameter::kFloat)
-            text += numberText(static_cast<float>(value.getReal(i)));
+            text += hxNumberText(static_cast<float>(value.getReal(i)));
         else
-            text += numberText(value.getReal(i));
+            text += hxNumberText(value.getReal(i));
     }
     return text;
 }
@@ -98,7 +84,7 @@ std::unique_ptr<HxParamBase> makeEntry(const std::vector<std::string>& words, in
         return child;
     }
     int code = -1;
-    parseNumber(words[0], code);
+    hxParseNumber(words[0], code);
     auto value = std::make_unique<HxParameter>(name);
     const int count = static_cast<int>(words.size()) - 3;
     std::vector<int> ints;
@@ -123,7 +109,7 @@ bool addEntries(HxParamBundle& bundle, const std::vector<std::string>& words, st
     for (std::size_t i = first; i < words.size(); ++i) {
         const auto parts = splitList(words[i]);
         unsigned int flags = 0;
-        if (!parts || parts->size() < 3 || !parseNumber((*parts)[2], flags)) return false;
+        if (!parts || parts->size() < 3 || !hxParseNumber((*parts)[2], flags)) return false;
         std::unique_ptr<HxParamBase> entry = makeEntry(*parts, depth);
         if (!entry) return false;
         entry->setFlag(flags, 1);

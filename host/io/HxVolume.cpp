@@ -144,6 +144,24 @@ HxFileType hxFileType(int hostCode)
         ->type;
 }
 
+HxFileType hxCommonType(HxFileType a, HxFileType b)
+{
+    const auto holds = [](HxFileType target, HxFileType source) {
+        return hxDispatch(target, [&](auto t) {
+            return hxDispatch(source, [&](auto s) {
+                using T = std::numeric_limits<decltype(t)>;
+                using S = std::numeric_limits<decltype(s)>;
+                return T::is_signed >= S::is_signed && T::is_integer <= S::is_integer &&
+                       T::digits >= S::digits;
+            });
+        });
+    };
+    for (HxFileType type : {HxFileType::uint8, HxFileType::int16, HxFileType::uint16, HxFileType::int32,
+                            HxFileType::uint32, HxFileType::float32})
+        if (holds(type, a) && holds(type, b)) return type;
+    return HxFileType::float64;
+}
+
 void HxVolumeGeometry::setAxis(int axis, const double* unitVector)
 {
     for (int row = 0; row < 3; ++row) directions[3 * row + axis] = unitVector[row];

@@ -33,6 +33,9 @@ int hxHostCode(HxFileType type);
 /// The type of a host element code. Only for the seven codes of image data.
 HxFileType hxFileType(int hostCode);
 
+/// The first of the host's types that holds all values of both.
+HxFileType hxCommonType(HxFileType a, HxFileType b);
+
 /// Calls action(T{}) with T the C++ element of the type.
 template <class Action>
 auto hxDispatch(HxFileType type, Action&& action)

@@ -274,6 +274,22 @@ std::vector<std::string> HxVoxelSource::numberedFiles(const std::string& header,
     return names;
 }
 
+bool HxVoxelSource::isGzip(const std::string& file)
+{
+    const Descriptor in(file);
+    char magic[2];
+    return in >= 0 && readFully(in, magic, 2) == 2 && magic[0] == '\x1f' && magic[1] == '\x8b';
+}
+
+std::string HxVoxelSource::firstBytes(const std::string& file, std::size_t count)
+{
+    const Descriptor in(file);
+    if (in < 0) return "";
+    std::string bytes(count, 0);
+    bytes.resize(isGzip(file) ? Inflater(in).read(bytes.data(), count) : readFully(in, bytes.data(), count));
+    return bytes;
+}
+
 std::string HxVoxelSource::besideHeader(const std::string& file) const
 {
     if (file == header) return file;

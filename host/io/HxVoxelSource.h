@@ -41,6 +41,11 @@ struct HxVoxelSource
     static std::vector<std::string> numberedFiles(const std::string& header, const std::string& pattern,
                                                   long long first, long long last, long long step);
 
+    /// The first bytes of a file, unpacked if it is a gzip stream; fewer or none where it ends.
+    static std::string firstBytes(const std::string& file, std::size_t count);
+
+    static bool isGzip(const std::string& file);
+
 private:
     std::string besideHeader(const std::string& file) const;
     void readPart(const std::string& file, char* out, std::size_t bytes, HxFileType type) const;

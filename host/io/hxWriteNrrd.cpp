@@ -1,11 +1,8 @@
 #include "io/hxWriteNrrd.h"
 
 #include "io/HxAtomicFile.h"
-#include "io/HxFileError.h"
-
-#include <algorithm>
-#include <charconv>
-#include <zlib.h>
+#include "io/HxGzipWriter.h"
+#include "io/HxNumberText.h"
 
 namespace {
 
@@ -36,15 +33,9 @@ const char* typeName(HxFileType type)
     return "double";
 }
 
-std::string number(double v)
-{
-    char text[40];
-    return std::string(text, std::to_chars(text, text + sizeof text, v + 0.0).ptr); // no negative zero
-}
-
 std::string vectorText(const double* v)
 {
-    return "(" + number(v[0]) + "," + number(v[1]) + "," + number(v[2]) + ")";
+    return "(" + hxNumberText(v[0]) + "," + hxNumberText(v[1]) + "," + hxNumberText(v[2]) + ")";
 }
 
 std::string escaped(const std::string& text)
@@ -81,38 +72,6 @@ std::string headerText(const unsigned long* dims, HxFileType type, const HxVolum
     return text + "\n";
 }
 
-void writeGzip(HxAtomicFile& file, const char* data, std::size_t bytes)
-{
-    // Level 4 packs label fields nearly as small as the default and in half the time.
-    constexpr int kLevel = 4;
-    constexpr int kGzipFormat = 15 + 16;
-    constexpr std::size_t kChunk = std::size_t(1) << 20;
-    z_stream stream{};
-    if (::deflateInit2(&stream, kLevel, Z_DEFLATED, kGzipFormat, 9, Z_DEFAULT_STRATEGY) != Z_OK)
-        throw HxFileError(file.targetName(), "not enough memory to compress the voxels");
-    struct End
-    {
-        z_stream& stream;
-        ~End() { ::deflateEnd(&stream); }
-    } end{stream};
-
-    std::vector<unsigned char> packed(kChunk);
-    int state = Z_OK;
-    while (state != Z_STREAM_END) {
-        const std::size_t n = std::min(bytes, kChunk);
-        stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data));
-        stream.avail_in = static_cast<uInt>(n);
-        data += n;
-        bytes -= n;
-        do {
-            stream.next_out = packed.data();
-            stream.avail_out = static_cast<uInt>(kChunk);
-            state = ::deflate(&stream, bytes == 0 ? Z_FINISH : Z_NO_FLUSH);
-            file.write(packed.data(), kChunk - stream.avail_out);
-        } while (stream.avail_out == 0);
-    }
-}
-
 } // namespace
 
 void hxWriteNrrd(HxAtomicFile& file, const unsigned long* dims, HxFileType type, const void* voxels,
@@ -120,8 +79,8 @@ void hxWriteNrrd(HxAtomicFile& file, const unsigned long* dims, HxFileType type,
 {
     file.write(headerText(dims, type, geometry, keyValues, gzip));
     const std::size_t bytes = dims[0] * dims[1] * dims[2] * hxSizeOf(type);
-    if (gzip)
-        writeGzip(file, static_cast<const char*>(voxels), bytes);
-    else
-        file.write(voxels, bytes);
+    if (!gzip) return file.write(voxels, bytes);
+    HxGzipWriter packed(file);
+    packed.write(voxels, bytes);
+    packed.finish();
 }

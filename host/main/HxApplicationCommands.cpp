@@ -6,6 +6,7 @@
 #include "hx/HxScriptCommands.h"
 #include "hx/HxScriptSocket.h"
 #include "hx/HxSettingsMgr.h"
+#include "hx/HxWorkArea.h"
 #include "main/HxHelpCommand.h"
 
 #include <tcl.h>
@@ -65,7 +66,11 @@ int app(Tcl_Interp* interp, int wordCount, const char* const* words)
     if (port == HxInterpreter::getTheInterpreter()->port())
         return fail(interp, "app send: this is the program's own port; run the command itself.");
     McString answer;
-    const bool sent = HxScriptSocket::send(words[2], words[3], port, answer);
+    HxWorkArea* workArea = HxWorkArea::getTheWorkArea();
+    workArea->busyOn("Waiting for an answer");
+    const bool sent = HxScriptSocket::send(words[2], words[3], port, answer,
+                                           [workArea] { return workArea->interrupted(); });
+    workArea->busyOff();
     Tcl_VaSetResult(interp, "%s%s", sent ? "" : "app send: ", answer.c_str());
     return sent ? TCL_OK : TCL_ERROR;
 }

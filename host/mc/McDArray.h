@@ -113,6 +113,8 @@ private:
     template <class Step>
     static void guarded(long count, Step step)
     {
+        if (mcByteCount(count, sizeof(T)) > kMcAddressSpace)
+            throw McMemoryException(mcByteCount(count, sizeof(T)));
         try {
             step();
         } catch (const std::bad_alloc&) {

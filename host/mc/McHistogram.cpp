@@ -1,9 +1,9 @@
 #include "mc/McHistogram.h"
 
 #include "mc/McRawData.h"
+#include "mc/McThreads.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -22,25 +22,48 @@ struct Bins
     }
 };
 
+// Each thread counts a part of the array for itself. `cellOf` gives the cell of a value, or -1 for none.
+template <class T, class CellOf>
+McDArray<unsigned long> countInParts(const T* data, unsigned long n, int cells, CellOf cellOf)
+{
+    const int parts = mcNumThreadsFor(n * sizeof(T));
+    McDArray<McDArray<unsigned long>> counts(parts);
+    for (McDArray<unsigned long>& part : counts) part.resize(cells);
+#pragma omp parallel for num_threads(parts) schedule(static)
+    for (int p = 0; p < parts; p++) {
+        unsigned long* own = counts[p].data();
+        const T* end = data + n / parts * (p + 1) + (p + 1 == parts ? n % parts : 0);
+        for (const T* v = data + n / parts * p; v < end; v++) {
+            const int cell = cellOf(*v);
+            if (cell >= 0) own[cell]++;
+        }
+    }
+    for (int p = 1; p < parts; p++)
+        for (int cell = 0; cell < cells; cell++) counts[0][cell] += counts[p][cell];
+    return counts[0];
+}
+
 // Short elements: counting each value apart and sharing the counts out afterwards needs no arithmetic per
 // voxel.
 template <class T>
-void countByValue(const T* data, unsigned long n, const Bins& bins, McDArray<unsigned long>& counts)
+McDArray<unsigned long> countByValue(const T* data, unsigned long n, const Bins& bins)
 {
     constexpr int kFirst = std::numeric_limits<T>::min();
-    McDArray<unsigned long> perValue(1 << (8 * sizeof(T)));
-    for (unsigned long i = 0; i < n; i++) perValue[int(data[i]) - kFirst]++;
+    const McDArray<unsigned long> perValue =
+        countInParts(data, n, 1 << (8 * sizeof(T)), [](T v) { return int(v) - kFirst; });
+    McDArray<unsigned long> counts(bins.number);
     for (int v = 0; v < perValue.size(); v++)
         if (perValue[v]) counts[bins.of(v + kFirst)] += perValue[v];
+    return counts;
 }
 
 template <class T>
-void countEach(const T* data, unsigned long n, const Bins& bins, McDArray<unsigned long>& counts)
+McDArray<unsigned long> countEach(const T* data, unsigned long n, const Bins& bins)
 {
-    for (unsigned long i = 0; i < n; i++) {
-        const double v = double(data[i]);
-        if (v >= bins.low && v <= bins.high) counts[bins.of(v)]++;
-    }
+    return countInParts(data, n, bins.number, [bins](T value) {
+        const double v = double(value);
+        return v >= bins.low && v <= bins.high ? bins.of(v) : -1;
+    });
 }
 
 template <class T>
@@ -62,11 +85,10 @@ McHistogram::McHistogram(const McTypedPointer& data, unsigned long count, int bi
     mcDispatch(data.type(), [&](auto* tag) {
         using T = std::remove_pointer_t<decltype(tag)>;
         const Bins layout{low, high, numberOfBins<T>(bins, low, high)};
-        counts.resize(layout.number);
         const T* values = static_cast<const T*>(data.data());
         if constexpr (sizeof(T) <= 2)
-            countByValue(values, count, layout, counts);
+            counts = countByValue(values, count, layout);
         else
-            countEach(values, count, layout, counts);
+            counts = countEach(values, count, layout);
     });
 }

@@ -7,10 +7,6 @@
 
 namespace {
 
-// No process can map more. Asked for more, the allocators of some checking tools end the program
-// instead of answering null.
-constexpr unsigned long kAddressSpace = 1ul << 47;
-
 void* checked(void* memory, unsigned long bytes)
 {
     if (!memory) throw McMemoryException(bytes);
@@ -34,10 +30,10 @@ unsigned long mcVolumeBytes(const unsigned long* dims, unsigned long elementSize
 
 void* mcAllocate(unsigned long bytes)
 {
-    return checked(bytes < kAddressSpace ? std::malloc(bytes ? bytes : 1) : nullptr, bytes);
+    return checked(bytes < kMcAddressSpace ? std::malloc(bytes ? bytes : 1) : nullptr, bytes);
 }
 
 void* mcAllocateZeroed(unsigned long bytes)
 {
-    return checked(bytes < kAddressSpace ? std::calloc(bytes ? bytes : 1, 1) : nullptr, bytes);
+    return checked(bytes < kMcAddressSpace ? std::calloc(bytes ? bytes : 1, 1) : nullptr, bytes);
 }

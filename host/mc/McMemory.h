@@ -2,6 +2,10 @@
 
 /// Memory of volumes. It comes from `malloc` and is given back with `free`, wherever a buffer changes owner.
 
+/// No process can map more bytes. Asked for more, the allocators of some checking tools end the program
+/// instead of reporting a failure, so requests are compared with this first.
+inline constexpr unsigned long kMcAddressSpace = 1ul << 47;
+
 /// Product of a count and an element size; the largest number if it does not fit.
 unsigned long mcByteCount(unsigned long count, unsigned long elementSize);
 

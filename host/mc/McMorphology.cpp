@@ -12,9 +12,6 @@
 
 namespace {
 
-// Below this a team of threads costs more than it saves.
-constexpr unsigned long kBitsWorthThreads = 1ul << 18;
-
 struct Volume
 {
     long nx, ny, nz;
@@ -72,7 +69,7 @@ void erodeRows(const McBitfield::Word64* in, McBitfield::Word64* out, const Volu
 void onePass(const McBitfield& in, McBitfield& out, const Volume& v)
 {
     const long blocks = (v.rows() + kMcRowsPerBlock - 1) / kMcRowsPerBlock;
-    const int threads = in.numBits() < kBitsWorthThreads ? 1 : mcNumThreads();
+    const int threads = mcNumThreadsFor(in.numBits() / 8);
     const long scratchSize = 2 * v.wordsPerRow();
     McDArray<std::uint64_t> scratch(int(threads * scratchSize));
     out.resize(in.numBits());

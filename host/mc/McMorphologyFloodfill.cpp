@@ -5,6 +5,7 @@
 #include "mc/McThreads.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 
 namespace {
@@ -45,8 +46,7 @@ public:
           open(int(n), dims[1], dims[2]),
           pending(int(n), dims[1], dims[2]),
           filled(int(n), 1, 1),
-          queue(1, dims[1], dims[2]),
-          isQueued(1, dims[1], dims[2])
+          waiting(1ul * ny * nz)
     {
         loadOpenRows();
     }
@@ -61,17 +61,13 @@ public:
         if (word & bit) enqueue(row);
     }
 
+    // Sweeps up and down until no row waits. Most of what a row hands on goes to rows that the sweep is still
+    // to meet, and gathers there, so that rows are visited far fewer times than in order of arrival.
     void run()
     {
-        while (queued > 0) {
-            const long row = dequeue();
-            takeRuns(row);
-            const long y = row % ny;
-            const long z = row / ny;
-            if (y > 0) handOn(row - 1);
-            if (y + 1 < ny) handOn(row + 1);
-            if (z > 0) handOn(row - ny);
-            if (z + 1 < nz) handOn(row + ny);
+        while (waitingCount > 0) {
+            sweepUp();
+            sweepDown();
         }
     }
 
@@ -80,7 +76,7 @@ public:
     {
         const long rows = ny * nz;
         const long blocks = (rows + kMcRowsPerBlock - 1) / kMcRowsPerBlock;
-#pragma omp parallel for num_threads(mcNumThreads()) schedule(static)
+#pragma omp parallel for num_threads(mcNumThreadsFor(source.numBits() / 8)) schedule(static)
         for (long b = 0; b < blocks; b++) {
             const long firstRow = b * kMcRowsPerBlock;
             storeRows(result.words64(), firstRow, std::min(firstRow + kMcRowsPerBlock, rows));
@@ -98,16 +94,14 @@ private:
     McData3D<Word> filled;  // the runs taken from the row at hand ...
     long low = 0;           // ... which lie in these words
     long high = -1;
-    McData3D<long> queue; // ring: a row waits in it once at most
-    McData3D<unsigned char> isQueued;
-    long head = 0;
-    long queued = 0;
+    McBitfield waiting; // rows with pending bits
+    long waitingCount = 0;
 
     void loadOpenRows()
     {
         const Word used = mcLastWordMask(nx);
         const long rows = ny * nz;
-#pragma omp parallel for num_threads(mcNumThreads()) schedule(static)
+#pragma omp parallel for num_threads(mcNumThreadsFor(source.numBits() / 8)) schedule(static)
         for (long r = 0; r < rows; r++) {
             Word* row = open.data() + r * n;
             mcLoadBitRow(source.words64(), 1ul * r * nx, n, flip, row);
@@ -133,21 +127,47 @@ private:
 
     void enqueue(long row)
     {
-        if (isQueued.data()[row]) return;
-        isQueued.data()[row] = 1;
-        const long capacity = ny * nz;
-        const long tail = head + queued < capacity ? head + queued : head + queued - capacity;
-        queue.data()[tail] = row;
-        queued++;
+        if (waiting.isSet(row)) return;
+        waiting.set(row);
+        waitingCount++;
     }
 
-    long dequeue()
+    void sweepUp()
     {
-        const long row = queue.data()[head];
-        head = head + 1 < ny * nz ? head + 1 : 0;
-        queued--;
-        isQueued.data()[row] = 0;
-        return row;
+        const long words = long(waiting.numWords64());
+        for (long w = 0; w < words; w++) {
+            Word ahead = ~Word(0);
+            while (const Word bits = waiting.words64()[w] & ahead) {
+                const int i = std::countr_zero(bits);
+                ahead = ~Word(1) << i;
+                visit(w * 64 + i);
+            }
+        }
+    }
+
+    void sweepDown()
+    {
+        for (long w = long(waiting.numWords64()) - 1; w >= 0; w--) {
+            Word ahead = ~Word(0);
+            while (const Word bits = waiting.words64()[w] & ahead) {
+                const int i = 63 - std::countl_zero(bits);
+                ahead = (Word(1) << i) - 1;
+                visit(w * 64 + i);
+            }
+        }
+    }
+
+    void visit(long row)
+    {
+        waiting.unset(row);
+        waitingCount--;
+        takeRuns(row);
+        const long y = row % ny;
+        const long z = row / ny;
+        if (y > 0) handOn(row - 1);
+        if (y + 1 < ny) handOn(row + 1);
+        if (z > 0) handOn(row - ny);
+        if (z + 1 < nz) handOn(row + ny);
     }
 
     // Moves the runs that pending bits touch from `open` to `filled`.

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::int64_t kOne = 65536;
 
-// Larger weights say nothing more about a byte, and their sums stay within 64 bits for any kernel.
-constexpr double kLargestTap = 1l << 36;
+// Limits the sum over all taps of twice a byte to 62 bits, whatever the kernel.
+constexpr double kLargestTapSum = 1l << 53;
 
 // Samples that are filtered together: the sums stay in the first-level cache.
 constexpr int kBlock = 1024;
@@ -37,10 +37,10 @@ double fullSum(const float* half, int size)
     return sum;
 }
 
-std::int64_t fixedPoint(double weight)
+std::int64_t fixedPoint(double weight, double limit)
 {
     if (std::isnan(weight)) return 0;
-    return std::llround(std::clamp(weight * double(kOne), -kLargestTap, kLargestTap));
+    return std::llround(std::clamp(weight * double(kOne), -limit, limit));
 }
 
 // All taps but the centre, which may balance them afterwards.
@@ -137,7 +137,8 @@ void initPackedLuts(const float* half, int kernelSize)
     Kernel next;
     if (kernelSize > 1) {
         next.taps.clear();
-        for (int i = 0; i < kernelSize; i++) next.taps.append(fixedPoint(half[i]));
+        const double limit = kLargestTapSum / kernelSize;
+        for (int i = 0; i < kernelSize; i++) next.taps.append(fixedPoint(half[i], limit));
         if (std::abs(fullSum(half, kernelSize) - 1.0) <= 0.001) next.taps[0] = kOne - sumOfSides(next.taps);
         while (next.taps.size() > 1 && next.taps.last() == 0) next.taps.pop();
         next.isSmall = sumsFit32Bits(next.taps);

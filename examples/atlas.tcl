@@ -1,0 +1,95 @@
+# Edits a brain atlas over its MRI and tells what changed.
+#
+#   scripts/run
+#
+# Takes the T1 image and the anatomical labels of Debian's mricron-data, names the materials from the
+# table beside the labels, joins the left and right parts of four deep structures, gives the amygdala
+# to the hippocampus, takes that last step back, saves the result as .nrrd and .nii.gz, reads both
+# files back and prints what changed.
+
+set data [expr {[info exists env(VOREL_DATA)] ? $env(VOREL_DATA) : "/usr/share/mricron/templates"}]
+set out [expr {[info exists env(VOREL_OUT)] ? $env(VOREL_OUT) : "out"}]
+file mkdir $out
+
+set image [load $data/ch2.nii.gz]
+set labels [load -labels $data/aal.nii.gz]
+echo "image  $image: [$image dims] voxels of [$image voxelSize] mm, values [$image range]"
+echo "labels $labels: [$labels dims] voxels, [llength [$labels materials]] materials"
+
+segment $labels $image
+
+# Names: lines of "label name code". Colors: 256 bytes each of red, green and blue.
+proc nameMaterials {table colors} {
+    set channel [open $colors rb]
+    binary scan [read $channel] cu256cu256cu256 red green blue
+    close $channel
+    set channel [open $table r]
+    while {[gets $channel line] >= 0} {
+        if {[scan $line "%d %s" label name] != 2} continue
+        material $label name $name
+        material $label color [list [expr {[lindex $red $label] / 255.0}] \
+            [expr {[lindex $green $label] / 255.0}] [expr {[lindex $blue $label] / 255.0}]]
+    }
+    close $channel
+}
+nameMaterials $data/aal.nii.txt $data/aal.nii.lut
+
+proc labelOf {name} {
+    global labels
+    set label [lsearch -exact [$labels materials] $name]
+    if {$label < 0} { error "the atlas has no structure \"$name\"" }
+    return $label
+}
+
+# Moves every voxel of one material into another, by a selection of the volume.
+proc move {from to} {
+    gi selectMaterial2 [labelOf $from]
+    gi selectMaterial [labelOf $to]
+    gi add 3d
+}
+
+proc countAll {} {
+    global labels
+    set counts {}
+    set n [llength [$labels materials]]
+    for {set label 0} {$label < $n} {incr label} { lappend counts [$labels count $label] }
+    return $counts
+}
+
+set before [countAll]
+set names [$labels materials]
+
+# The thalamus is finished: its lock keeps it as it is, whatever moves beside it.
+material [labelOf Thalamus_L] lock 1
+
+foreach structure {Hippocampus Amygdala Caudate Putamen} {
+    move ${structure}_R ${structure}_L
+    material [labelOf ${structure}_L] name $structure
+}
+move Amygdala Hippocampus
+gi undo
+echo "joined the halves of four structures; undid the fifth step"
+
+set after [countAll]
+$labels save $out/atlas.nrrd
+$labels save $out/atlas.nii.gz
+
+set edges [$labels voxelSize]
+set ml [expr {[lindex $edges 0] * [lindex $edges 1] * [lindex $edges 2] / 1000.0}]
+echo [format "%-20s %10s %10s %10s %10s" material before after voxels ml]
+foreach name [$labels materials] old $before new $after {
+    if {$old == $new} continue
+    echo [format "%-20s %10d %10d %+10d %+10.3f" $name $old $new [expr {$new - $old}] [expr {($new - $old) * $ml}]]
+}
+
+# What was written must be what was edited.
+foreach file [list $out/atlas.nrrd $out/atlas.nii.gz] {
+    set copy [load -labels $file]
+    set same [expr {[$copy dims] eq [$labels dims]}]
+    for {set label 0} {$label < [llength $after]} {incr label} {
+        if {[$copy count $label] != [lindex $after $label]} { set same 0 }
+    }
+    if {!$same} { error "$file does not hold what was saved" }
+    echo "$file: [lrange [$copy materials] 37 38] ..., read back the same"
+    remove $copy
+}

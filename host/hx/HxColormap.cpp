@@ -1,0 +1,157 @@
+#include "hx/HxColormap.h"
+
+#include "hx/HxColormapFile.h"
+#include "hx/HxStandardColormaps.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace {
+
+unsigned int byteOf(float component)
+{
+    return static_cast<unsigned int>(std::lround(std::clamp(component, 0.0f, 1.0f) * 255.0f));
+}
+
+unsigned int packed(const HxColormap::Color& c)
+{
+    return byteOf(c.r) << 24 | byteOf(c.g) << 16 | byteOf(c.b) << 8 | byteOf(c.a);
+}
+
+float mixed(float a, float b, float t)
+{
+    return a + t * (b - a);
+}
+
+int runColor(HxColormap& map, const HxScriptCall& call)
+{
+    double u;
+    if (!call.getReal(2, u)) return TCL_ERROR;
+    const unsigned int rgba = map.packedColor(static_cast<float>(u));
+    return call.result(
+        McString::printf("%u %u %u %u", rgba >> 24, rgba >> 16 & 255, rgba >> 8 & 255, rgba & 255));
+}
+
+int runLoad(HxColormap& map, const HxScriptCall& call)
+{
+    McString error;
+    return map.readFile(call.word(2), error) ? call.ok() : call.error(error);
+}
+
+int runStandard(HxColormap& map, const HxScriptCall& call)
+{
+    if (!call.has(2)) return call.result(HxColormap::standardNames());
+    if (hxSetStandardColormap(map, call.word(2))) return call.ok();
+    return call.error(McString("there is no standard map \"") + call.word(2) + "\"");
+}
+
+const HxCommand<HxColormap> kCommands[] = {
+    {"color", "color U", "Gives the colour at U from 0 to 1, as red, green, blue and opacity from 0 to 255.",
+     1, 1, runColor},
+    {"load", "load FILE", "Takes the table from a file.", 1, 1, runLoad},
+    {"standard", "standard ?NAME?", "Takes a standard table, or lists their names.", 0, 1, runStandard},
+};
+
+} // namespace
+
+HxColormap::HxColormap()
+{
+    hxSetStandardColormap(*this, "grey");
+}
+
+void HxColormap::initClass()
+{
+    getClassTypeId();
+}
+
+HxBase* HxColormap::createInstance()
+{
+    return new HxColormap;
+}
+
+McTypeId HxColormap::getClassTypeId()
+{
+    return hxClassType<HxColormap, HxData>("HxColormap");
+}
+
+unsigned int HxColormap::packedColor(float u) const
+{
+    // Written so that not-a-number counts as below.
+    if (!(u >= 0)) return packed(below);
+    if (u > 1) return packed(above);
+    const int last = numEntries() - 1;
+    const float place = u * static_cast<float>(last);
+    if (!interpolating) return packed(table[std::lround(place)]);
+
+    const int i = std::min(static_cast<int>(place), std::max(last - 1, 0));
+    const Color& a = table[i];
+    const Color& b = table[std::min(i + 1, last)];
+    const float t = place - static_cast<float>(i);
+    return packed({mixed(a.r, b.r, t), mixed(a.g, b.g, t), mixed(a.b, b.b, t), mixed(a.a, b.a, t)});
+}
+
+void HxColormap::setTable(const std::vector<Color>& colors, bool interpolate)
+{
+    if (colors.empty()) return;
+    table = colors;
+    interpolating = interpolate;
+    below = table.front();
+    above = table.back();
+    touch(kValuesChanged);
+}
+
+void HxColormap::setUnderflow(const Color& color)
+{
+    below = color;
+    touch(kValuesChanged);
+}
+
+void HxColormap::setOverflow(const Color& color)
+{
+    above = color;
+    touch(kValuesChanged);
+}
+
+McDArray<McString> HxColormap::standardNames()
+{
+    return hxStandardColormapNames();
+}
+
+HxColormap* HxColormap::createStandard(const char* name)
+{
+    auto map = std::make_unique<HxColormap>();
+    if (!hxSetStandardColormap(*map, name)) return nullptr;
+    map->setLabel(name);
+    return map.release();
+}
+
+bool HxColormap::isColormapFile(const char* path)
+{
+    return hxIsColormapFile(path);
+}
+
+bool HxColormap::readFile(const char* path, McString& error)
+{
+    if (!hxReadColormapFile(*this, path, error)) return false;
+    setFilename(path);
+    return true;
+}
+
+bool HxColormap::writeFile(const char* path, McString& error)
+{
+    return hxWriteColormapFile(*this, path, error);
+}
+
+int HxColormap::parse(Tcl_Interp* interp, int wordCount, char** words)
+{
+    int code;
+    if (hxRunCommand(kCommands, *this, HxScriptCall(interp, wordCount, words), code)) return code;
+    return HxData::parse(interp, wordCount, words);
+}
+
+void HxColormap::commandHelp(McDArray<HxCommandHelp>& list) const
+{
+    HxData::commandHelp(list);
+    hxAppendHelp(kCommands, list);
+}

@@ -1,0 +1,191 @@
+#include "io/HxFileWriter.h"
+
+#include "hx/HxLabelField3.h"
+#include "hx/HxMessage.h"
+#include "io/HxAtomicFile.h"
+#include "io/HxFileError.h"
+#include "io/HxItkFile.h"
+#include "io/HxMetaImageFile.h"
+#include "io/HxNiftiFile.h"
+#include "io/HxNrrdField.h"
+#include "io/HxVolumeField.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+namespace {
+
+enum class Format
+{
+    nrrd,
+    segmentation,
+    nifti,
+    packedNifti,
+    meta,
+    metaInTwoFiles,
+    tiff,
+    unwritable
+};
+
+struct Suffix
+{
+    const char* text;
+    Format format;
+};
+
+// Longer suffixes before those they end in.
+constexpr Suffix kSuffixes[] = {
+    {".seg.nrrd", Format::segmentation},
+    {".nrrd", Format::nrrd},
+    {".nii.gz", Format::packedNifti},
+    {".nii", Format::nifti},
+    {".mha", Format::meta},
+    {".mhd", Format::metaInTwoFiles},
+    {".tif", Format::tiff},
+    {".tiff", Format::tiff},
+    {".nhdr", Format::unwritable},
+    {".hdr", Format::unwritable},
+    {".img", Format::unwritable},
+    {".img.gz", Format::unwritable},
+    {".dcm", Format::unwritable},
+    {".dicom", Format::unwritable},
+    {".png", Format::unwritable},
+    {".jpg", Format::unwritable},
+    {".jpeg", Format::unwritable},
+    {".bmp", Format::unwritable},
+};
+
+bool endsWith(const std::string& text, const std::string& end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+Format formatOf(const std::string& path)
+{
+    std::string name = std::filesystem::path(path).filename().string();
+    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+    for (const Suffix& suffix : kSuffixes)
+        if (endsWith(name, suffix.text)) return suffix.format;
+    return Format::nrrd; // labels such as "brain.intpol" have endings that are no suffixes
+}
+
+// "a, b and c"; long lists are cut.
+std::string listed(std::vector<std::string> items)
+{
+    constexpr std::size_t kMost = 6;
+    if (items.size() > kMost) {
+        const std::size_t rest = items.size() - kMost + 1;
+        items.resize(kMost - 1);
+        items.push_back(std::to_string(rest) + " more");
+    }
+    std::string text;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        text += (i == 0 ? "" : i + 1 == items.size() ? " and " : ", ") + items[i];
+    return text;
+}
+
+std::vector<std::string> parametersThatAreLost(const HxRegScalarField3& field)
+{
+    std::vector<std::string> names;
+    const HxParamBundle& tree = field.parameters;
+    for (int i = 0; i < tree.nParameters(); ++i)
+        if (!HxVolumeField::isGeometryParameter(tree.parameter(i)->getName()))
+            names.push_back(tree.parameter(i)->getName());
+    for (int i = 0; i < tree.nBundles(); ++i)
+        if (std::string(tree.bundle(i)->getName()) != "Materials") names.push_back(tree.bundle(i)->getName());
+    return names;
+}
+
+bool hasWeights(const HxRegScalarField3& field)
+{
+    const auto* labels = dynamic_cast<const HxLabelField3*>(&field);
+    return labels && labels->labelLattice()->getWeights();
+}
+
+void warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geometry, Format format,
+                  const std::string& path)
+{
+    std::vector<std::string> lost;
+    if (format != Format::nrrd && format != Format::segmentation) {
+        if (field.parameters.index("Materials") >= 0)
+            lost.push_back("the names and colours of the materials");
+        const std::vector<std::string> names = parametersThatAreLost(field);
+        if (!names.empty()) lost.push_back("the parameters (" + listed(names) + ")");
+        if (!geometry.zPositions.empty()) lost.push_back("the positions of the slices");
+    }
+    if (format == Format::tiff) lost.push_back("the place in space and the slice distance");
+    if (hasWeights(field)) lost.push_back("the weights of the labels");
+    if (!lost.empty())
+        HxMessage::getTheMsg()->printf("%s: the file does not keep %s.", path.c_str(), listed(lost).c_str());
+}
+
+void writeMeta(const HxLattice3& lattice, const HxVolumeGeometry& geometry, const std::string& path,
+               bool inTwoFiles)
+{
+    HxAtomicFile header(path);
+    const HxFileType type = hxFileType(lattice.primType());
+    if (!inTwoFiles) {
+        HxMetaImageFile::write(header, nullptr, lattice.dims(), type, lattice.dataPtr(), geometry);
+    } else {
+        HxAtomicFile voxels(std::filesystem::path(path).replace_extension(".raw").string());
+        HxMetaImageFile::write(header, &voxels, lattice.dims(), type, lattice.dataPtr(), geometry);
+        voxels.commit();
+    }
+    header.commit();
+}
+
+void writeTiff(const HxLattice3& lattice, const HxVolumeGeometry& geometry, const std::string& path)
+{
+    const HxFileType type = hxFileType(lattice.primType());
+    if (hxSizeOf(type) > 2 && type != HxFileType::float32)
+        throw HxFileError(path, std::string("TIFF files cannot hold ") + hxNameOf(type) +
+                                    ", save as .nrrd instead");
+    HxAtomicFile file(path, ".tif");
+    HxItkFile::write(file.path(), path, HxFileKind::tiff, lattice.dims(), type, lattice.dataPtr(), geometry);
+    // The library does not tell of a disk that became full.
+    if (std::filesystem::file_size(file.path()) < lattice.numBytes())
+        file.failIncomplete(lattice.numBytes(), "cannot be written completely");
+    file.commit();
+}
+
+} // namespace
+
+void hxWriteFile(const HxRegScalarField3& field, const std::string& path)
+{
+    const Format format = formatOf(path);
+    const HxLattice3& lattice = *field.lattice();
+    if (!lattice.dataPtr() || lattice.numNodes() == 0) throw HxFileError(path, "the field is empty");
+    if (lattice.numDataVars() != 1) throw HxFileError(path, "fields of several components cannot be saved");
+    if (format == Format::unwritable)
+        throw HxFileError(
+            path,
+            "this format cannot be written; the suffixes are .nrrd, .nii, .nii.gz, .mha, .mhd and .tif");
+    if (format == Format::segmentation && !dynamic_cast<const HxLabelField3*>(&field))
+        throw HxFileError(path, "an image is no segmentation, save it as .nrrd");
+
+    const HxVolumeGeometry geometry = HxVolumeField::geometryOf(field);
+    switch (format) {
+    case Format::nifti:
+    case Format::packedNifti: {
+        HxAtomicFile file(path);
+        HxNiftiFile::write(file, lattice.dims(), hxFileType(lattice.primType()), lattice.dataPtr(), geometry,
+                           format == Format::packedNifti);
+        file.commit();
+        break;
+    }
+    case Format::meta:
+    case Format::metaInTwoFiles:
+        writeMeta(lattice, geometry, path, format == Format::metaInTwoFiles);
+        break;
+    case Format::tiff:
+        writeTiff(lattice, geometry, path);
+        break;
+    case Format::nrrd:
+    case Format::segmentation:
+    case Format::unwritable:
+        HxNrrdField::write(field, path);
+        break;
+    }
+    warnOfLosses(field, geometry, format, path);
+}

@@ -1,0 +1,56 @@
+#include "io/HxSliceSeries.h"
+
+#include "io/HxFileError.h"
+#include "io/HxFileKind.h"
+#include "io/HxItkFile.h"
+#include "io/HxNaturalOrder.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+std::string sizeText(const HxItkFile& file)
+{
+    std::string text = std::to_string(file.dims()[0]) + " x " + std::to_string(file.dims()[1]);
+    return file.dims()[2] == 1 ? text : text + " x " + std::to_string(file.dims()[2]);
+}
+
+} // namespace
+
+HxVolume HxSliceSeries::readStack(std::vector<std::string> files, const std::string& named)
+{
+    std::sort(files.begin(), files.end(), hxNaturalLess);
+    std::vector<std::unique_ptr<HxItkFile>> slices;
+    for (const std::string& file : files)
+        slices.push_back(std::make_unique<HxItkFile>(file, hxFileKind(file)));
+    return join(slices, named);
+}
+
+HxVolume HxSliceSeries::join(const std::vector<std::unique_ptr<HxItkFile>>& files, const std::string& named)
+{
+    const HxItkFile& first = *files.front();
+    HxFileType type = first.type();
+    for (const auto& file : files) {
+        if (file->dims()[2] != 1)
+            throw HxFileError(file->path(), "holds " + std::to_string(file->dims()[2]) +
+                                                " slices, so it cannot be one slice of a series");
+        if (file->dims()[0] != first.dims()[0] || file->dims()[1] != first.dims()[1])
+            throw HxFileError(file->path(), "has " + sizeText(*file) +
+                                                " pixels, but the other slices of its series have " +
+                                                sizeText(first));
+        if (file->type() != type) type = hxCommonType(type, file->type());
+    }
+    const unsigned long dims[3] = {first.dims()[0], first.dims()[1], files.size()};
+    HxVolume volume(named, dims, type);
+    volume.geometry = first.geometry();
+    const std::size_t sliceBytes = volume.bytes() / files.size();
+    char* to = static_cast<char*>(volume.data());
+    for (const auto& file : files) {
+        HxVolume slice = file->read();
+        slice.convert(file->path(), type);
+        std::memcpy(to, slice.data(), sliceBytes);
+        to += sliceBytes;
+    }
+    return volume;
+}

@@ -1,0 +1,12 @@
+#include "hx/HxSettingsMgr.h"
+
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    QCoreApplication application(argc, argv);
+    HxSettingsMgr::getInstance()->useMemoryStore();
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,128 @@
+#include "mc/McHandle.h"
+#include "mc/McHandable.h"
+#include "mc/McInterface.h"
+#include "mc/McTypeId.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+// Writes down what happens to it.
+class Witness : public McHandable
+{
+public:
+    explicit Witness(std::string& log) : diary(log) {}
+    ~Witness() override { diary += "deleted "; }
+    void notifyDelete() override
+    {
+        diary += "notified ";
+        // A listener that looks at the dying object through a handle.
+        McHandle<Witness> look(this);
+    }
+
+private:
+    std::string& diary;
+};
+
+class Lattice : public McInterface
+{
+public:
+    explicit Lattice(McInterfaceOwner* object) : holder(object) {}
+    McInterfaceOwner* owner() const override { return holder; }
+
+private:
+    McInterfaceOwner* holder;
+};
+
+class FineLattice : public Lattice
+{
+public:
+    using Lattice::Lattice;
+};
+
+class Unoffered : public McInterface
+{
+};
+
+class Field : public McInterfaceOwner
+{
+public:
+    McInterface* getInterface(McTypeId type) override
+    {
+        return type == McTypeId::of<Lattice>() || type == McTypeId::of<FineLattice>() ? &lattice : nullptr;
+    }
+
+    FineLattice lattice{this};
+};
+
+struct Root
+{
+    virtual ~Root() = default;
+};
+struct Middle : Root
+{
+};
+struct Leaf : Middle
+{
+};
+
+} // namespace
+
+TEST(McHandle, DeletesWithTheLastReferenceAfterOneNotice)
+{
+    std::string log;
+    {
+        McHandle<Witness> a(new Witness(log));
+        McHandle<McHandable> b = a;
+        McHandle<Witness> c(std::move(a));
+        EXPECT_EQ(c->refCount(), 2);
+        c = nullptr;
+        b = b;
+        EXPECT_EQ(log, "");
+        b = nullptr;
+        EXPECT_EQ(log, "notified deleted ");
+    }
+    EXPECT_EQ(log, "notified deleted ");
+}
+
+TEST(McHandle, StackObjectsAndCopiesCountApart)
+{
+    std::string log;
+    {
+        Witness first(log);
+        first.ref();
+        Witness second(first);
+        EXPECT_EQ(second.refCount(), 0);
+        static_cast<McHandable&>(second) = first;
+        EXPECT_EQ(second.refCount(), 0);
+        EXPECT_EQ(first.refCount(), 1);
+    }
+    EXPECT_EQ(log, "deleted deleted ") << "nobody counted them down to 0";
+}
+
+TEST(McInterface, CastFindsWhatAnObjectOffers)
+{
+    Field field;
+    EXPECT_EQ(mcinterface_cast<Lattice>(&field), &field.lattice);
+    EXPECT_EQ(mcinterface_cast<FineLattice>(&field)->owner(), &field);
+    EXPECT_EQ(mcinterface_cast<Unoffered>(&field), nullptr);
+    EXPECT_EQ(mcinterface_cast<Lattice>(nullptr), nullptr);
+}
+
+TEST(McTypeId, KnowsTheChainOfBasesHoweverLateItIsDeclared)
+{
+    const McTypeId leaf = McTypeId::declare<Leaf, Middle>("Leaf");
+    EXPECT_TRUE(leaf.isDerivedFrom(McTypeId::of<Middle>()));
+    EXPECT_FALSE(leaf.isDerivedFrom(McTypeId::of<Root>()));
+    McTypeId::declare<Middle, Root>("Middle");
+    McTypeId::declare<Root>("Root");
+    EXPECT_TRUE(leaf.isDerivedFrom(McTypeId::of<Root>()));
+    EXPECT_FALSE(McTypeId::of<Root>().isDerivedFrom(leaf));
+    EXPECT_EQ(McTypeId::fromName("Leaf"), leaf);
+    EXPECT_STREQ(leaf.base().name(), "Middle");
+    EXPECT_FALSE(McTypeId::fromName("NoSuchClass").isValid());
+    EXPECT_FALSE(leaf.isDerivedFrom(McTypeId()));
+    EXPECT_FALSE(McTypeId().isDerivedFrom(McTypeId()));
+}

@@ -1,0 +1,173 @@
+#include "mc/McMorphology.h"
+
+#include "mc/McThreads.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <ostream>
+#include <queue>
+#include <random>
+#include <string>
+
+namespace {
+
+using Dims = std::array<int, 3>;
+
+constexpr int kNeighbours[6][3] = {{-1, 0, 0}, {1, 0, 0}, {0, -1, 0}, {0, 1, 0}, {0, 0, -1}, {0, 0, 1}};
+
+unsigned long indexOf(const Dims& d, int x, int y, int z)
+{
+    return x + 1ul * d[0] * (y + 1ul * d[1] * z);
+}
+
+bool isInside(const Dims& d, int x, int y, int z)
+{
+    return x >= 0 && x < d[0] && y >= 0 && y < d[1] && z >= 0 && z < d[2];
+}
+
+McBitfield randomVolume(const Dims& d, double density, std::mt19937& random)
+{
+    McBitfield field(1ul * d[0] * d[1] * d[2]);
+    std::bernoulli_distribution isSet(density);
+    for (unsigned long i = 0; i < field.numBits(); i++)
+        if (isSet(random)) field.set(i);
+    return field;
+}
+
+// One pass voxel by voxel: a voxel changes to `spreading` if a neighbour has that value.
+McBitfield spreadPlainly(const McBitfield& bits, const Dims& d, bool spreading)
+{
+    McBitfield out = bits;
+    for (int z = 0; z < d[2]; z++)
+        for (int y = 0; y < d[1]; y++)
+            for (int x = 0; x < d[0]; x++)
+                for (const int* n : kNeighbours) {
+                    if (!isInside(d, x + n[0], y + n[1], z + n[2])) continue;
+                    if (bits.isSet(indexOf(d, x + n[0], y + n[1], z + n[2])) != spreading) continue;
+                    if (spreading)
+                        out.set(indexOf(d, x, y, z));
+                    else
+                        out.unset(indexOf(d, x, y, z));
+                }
+    return out;
+}
+
+McBitfield fillPlainly(const McBitfield& source, const McDArray<McVec3i>& seeds, bool value, const Dims& d)
+{
+    McBitfield out(source.numBits());
+    std::queue<McVec3i> pending;
+    const auto visit = [&](int x, int y, int z) {
+        if (!isInside(d, x, y, z)) return;
+        const unsigned long i = indexOf(d, x, y, z);
+        if (source.isSet(i) != value || out.isSet(i)) return;
+        out.set(i);
+        pending.push({x, y, z});
+    };
+    for (const McVec3i& s : seeds) visit(s.x, s.y, s.z);
+    while (!pending.empty()) {
+        const McVec3i p = pending.front();
+        pending.pop();
+        for (const int* n : kNeighbours) visit(p.x + n[0], p.y + n[1], p.z + n[2]);
+    }
+    return out;
+}
+
+class McMorphologyOn : public testing::TestWithParam<Dims>
+{
+};
+
+} // namespace
+
+TEST_P(McMorphologyOn, ErodesAndDilatesLikeAPlainLoop)
+{
+    std::mt19937 random(17);
+    const Dims d = GetParam();
+    for (double density : {0.0, 0.03, 0.5, 0.97, 1.0}) {
+        const McBitfield bits = randomVolume(d, density, random);
+        McBitfield expectEroded = bits;
+        McBitfield expectDilated = bits;
+        for (int width = 0; width <= 3; width++) {
+            McBitfield eroded = randomVolume({d[0], d[1], 1}, 0.5, random);
+            McBitfield dilated;
+            McMorphology::erosion3D(bits, eroded, d.data(), width);
+            McMorphology::dilation3D(bits, dilated, d.data(), width);
+            EXPECT_EQ(eroded, expectEroded) << "density " << density << ", width " << width;
+            EXPECT_EQ(dilated, expectDilated) << "density " << density << ", width " << width;
+            expectEroded = spreadPlainly(expectEroded, d, false);
+            expectDilated = spreadPlainly(expectDilated, d, true);
+        }
+    }
+}
+
+TEST_P(McMorphologyOn, FillsLikeAQueueOfVoxels)
+{
+    std::mt19937 random(23);
+    const Dims d = GetParam();
+    // Around the density at which regions begin to span the volume they are most winding.
+    for (double density : {0.0, 0.25, 0.3, 0.35, 0.5, 0.7, 1.0}) {
+        for (bool value : {true, false}) {
+            const McBitfield source = randomVolume(d, value ? density : 1 - density, random);
+            McDArray<McVec3i> seeds;
+            for (int i = 0; i < 4; i++)
+                seeds.append({int(random() % d[0]), int(random() % d[1]), int(random() % d[2])});
+            seeds.append({d[0], 0, 0});
+            seeds.append({0, -1, 0});
+            McBitfield result = randomVolume({7, 3, 5}, 0.5, random);
+            McMorphology::floodfill(source, result, seeds, value, d.data());
+            EXPECT_EQ(result, fillPlainly(source, seeds, value, d)) << "density " << density;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, McMorphologyOn,
+                         testing::Values(Dims{1, 1, 1}, Dims{1, 70, 3}, Dims{3, 1, 1}, Dims{64, 5, 4},
+                                         Dims{63, 9, 2}, Dims{65, 3, 9}, Dims{128, 4, 4}, Dims{37, 41, 29},
+                                         Dims{200, 11, 6}, Dims{127, 65, 20}));
+
+TEST(McMorphologyFloodfill, FollowsASnakeThroughAllRows)
+{
+    // One corridor that runs along every row and turns at alternating ends, so that each row is entered
+    // from one voxel only: the worst case for a fill by rows.
+    const Dims d{150, 41, 3};
+    McBitfield walls(1ul * d[0] * d[1] * d[2]);
+    walls.toggleAll();
+    int length = 0;
+    for (int z = 0; z < d[2]; z++) {
+        const bool isLevel = z % 2 == 0;
+        for (int y = 0; y < d[1]; y++)
+            for (int x = 0; x < d[0]; x++) {
+                const bool isTurn = y % 2 == 1 && x == (y % 4 == 1 ? d[0] - 1 : 0);
+                const bool isShaft = !isLevel && y == d[1] - 1 && x == 0;
+                if (isLevel ? (y % 2 == 1 && !isTurn) : !isShaft) continue;
+                walls.unset(indexOf(d, x, y, z));
+                length++;
+            }
+    }
+    McBitfield result;
+    McDArray<McVec3i> seeds{{d[0] - 1, 0, 0}};
+    McMorphology::floodfill(walls, result, seeds, false, d.data());
+    EXPECT_EQ(result, fillPlainly(walls, seeds, false, d));
+    int marked = 0;
+    for (unsigned long i = 0; i < result.numBits(); i++) marked += result.isSet(i);
+    EXPECT_EQ(marked, length);
+}
+
+TEST(McMorphology, GivesTheSameBitsWithAnyNumberOfThreads)
+{
+    std::mt19937 random(29);
+    const Dims d{101, 90, 70};
+    const McBitfield bits = randomVolume(d, 0.9, random);
+    const int usual = mcNumThreads();
+    McBitfield eroded[2], filled[2];
+    const McDArray<McVec3i> seeds{{0, 0, 0}, {50, 50, 50}};
+    for (int i = 0; i < 2; i++) {
+        mcSetNumThreads(1 + 4 * i);
+        McMorphology::erosion3D(bits, eroded[i], d.data(), 1);
+        McMorphology::floodfill(bits, filled[i], seeds, true, d.data());
+    }
+    mcSetNumThreads(usual);
+    EXPECT_EQ(eroded[0], spreadPlainly(bits, d, false));
+    EXPECT_EQ(eroded[0], eroded[1]);
+    EXPECT_EQ(filled[0], filled[1]);
+}
