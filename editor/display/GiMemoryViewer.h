@@ -7,7 +7,7 @@
 class GiMemoryViewer : public GiViewer
 {
 public:
-    GiMemoryViewer(const char* viewerName, Gi* owner) : GiViewer(viewerName, owner)
+    GiMemoryViewer(const char* title, Gi* owner) : GiViewer(title, owner)
     {
         setFrameBuffer(&buffer);
         createShapes();

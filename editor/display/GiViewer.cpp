@@ -34,7 +34,7 @@ int longestAxis(const int* dims)
 
 } // namespace
 
-GiViewer::GiViewer(const char* viewerName, Gi* owner) : HxViewerBase(viewerName), gi(owner) {}
+GiViewer::GiViewer(const char* title, Gi* owner) : HxViewerBase(title), gi(owner) {}
 
 void GiViewer::setFrameBuffer(GiFrameBuffer* buffer)
 {

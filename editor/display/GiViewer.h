@@ -22,7 +22,7 @@ class QCursor;
 class GiViewer : public HxViewerBase
 {
 public:
-    GiViewer(const char* viewerName, Gi* owner);
+    GiViewer(const char* title, Gi* owner);
 
     /// Goes to a slice, limited to those there are. `notify` tells the editor, so that the cross
     /// hair and with it the other viewers follow.

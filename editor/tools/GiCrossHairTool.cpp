@@ -42,6 +42,11 @@ void GiCrossHairTool::setValueChangedCallback(Callback function, void* data)
     callbackData = data;
 }
 
+void GiCrossHairTool::valueChanged()
+{
+    if (callback) callback(this, callbackData);
+}
+
 McVec2i GiCrossHairTool::lines(const GiFrameBuffer& frameBuffer) const
 {
     const int o = orientationOf(frameBuffer);
@@ -73,7 +78,7 @@ int GiCrossHairTool::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
         dragTo(*frameBuffer, event->x, event->y);
         if (callback) {
             frameBuffer->setBrowsing(true);
-            callback(this, callbackData);
+            valueChanged();
         } else if (gi) {
             gi->redraw();
         }

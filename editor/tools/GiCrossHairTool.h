@@ -20,6 +20,8 @@ public:
     void setPosition(const McVec3i& p) { position = p; }
     const McVec3i& getPosition() const { return position; }
     void setValueChangedCallback(Callback function, void* data);
+    /// Tells the callback that the position was moved.
+    void valueChanged();
 
 private:
     /// Screen coordinates of the two lines in a viewer.
