@@ -224,6 +224,8 @@ void GiQ::clear()
         if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer()) buffer->clear();
         if (GiLabelImage* labels = viewers[i]->getLabelImage()) labels->setMemory(nullptr, 0, 0);
         if (GiGreyImage* image = viewers[i]->getGreyImage()) image->clear();
+        // The window into the bits must shrink with them: undo and clear scan it at any time.
+        selection->getSlice(viewers[i]->getSelection(), viewers[i]->getOrientation(), 0);
     }
     setDataWindow(0, 255, true);
     setToolDataWindow(0, 255, true);

@@ -1,6 +1,7 @@
 #include "core/GiLabelTransfer.h"
 
 #include "core/GiAcceptRow.h"
+#include "core/GiBitRows.h"
 #include "core/GiLabelWords.h"
 #include "core/GiRowFill.h"
 #include "mc/McBitfield.h"
@@ -8,7 +9,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
+#include <cstdint>
 
 namespace {
 
@@ -62,7 +63,7 @@ void writeVoxels(const McBitfield& bits, unsigned char* labels, unsigned long n,
         if (bits.isSet(i) && changeable.contains(labels[i])) labels[i] = value;
 }
 
-/// The rows of a set of voxels, 64 voxels at a time, with the voxels around them.
+/// Counts the labels around a set of voxels, by rows and 64 voxels at a time.
 class BoundaryCount
 {
 public:
@@ -71,36 +72,47 @@ public:
     {
     }
 
-    /// Counts the labels outside the set in one row, once for each face that they share with it.
+    /// Counts for the voxels of the set in the rows [firstRow, endRow).
+    void countRows(unsigned long firstRow, unsigned long endRow, Histogram& histogram) const
+    {
+        const unsigned long end = endRow * nx;
+        unsigned long at = giFindSet(bits.words(), firstRow * nx, end);
+        while (at < end) {
+            const unsigned long row = at / nx;
+            countRow(row, histogram);
+            at = giFindSet(bits.words(), (row + 1) * nx, end);
+        }
+    }
+
+private:
     void countRow(unsigned long row, Histogram& histogram) const
     {
         const unsigned long y = row % ny, z = row / ny;
         for (unsigned long x = 0; x < nx; x += 64) {
             const unsigned long at = row * nx + x;
             const unsigned long n = std::min(64ul, nx - x);
-            const std::uint64_t inRow = ~std::uint64_t{0} >> (64 - n);
-            const std::uint64_t set = bits.load64(at);
-            const std::uint64_t outside = ~set & inRow;
-            const std::uint64_t sides[6] = {
-                z > 0 ? bits.load64(at - plane) : 0,
-                z + 1 < nz ? bits.load64(at + plane) : 0,
-                y > 0 ? bits.load64(at - nx) : 0,
-                y + 1 < ny ? bits.load64(at + nx) : 0,
-                set << 1 | static_cast<std::uint64_t>(x > 0 && bits.isSet(at - 1)),
-                (set & inRow) >> 1 | static_cast<std::uint64_t>(x + 64 < nx && bits.isSet(at + 64)) << 63,
-            };
-            std::uint64_t touched =
-                outside & (sides[0] | sides[1] | sides[2] | sides[3] | sides[4] | sides[5]);
-            for (; touched; touched &= touched - 1) {
-                const int i = std::countr_zero(touched);
-                unsigned long faces = 0;
-                for (const std::uint64_t side : sides) faces += side >> i & 1;
-                histogram.counts[labels[at + static_cast<unsigned long>(i)]] += faces;
-            }
+            const std::uint64_t set = bits.load64(at) & ~std::uint64_t{0} >> (64 - n);
+            if (!set) continue;
+            const bool isFirst = x == 0, isLast = x + n == nx;
+            const std::uint64_t before = set << 1 | static_cast<std::uint64_t>(isFirst || bits.isSet(at - 1));
+            const std::uint64_t behind = set >> 1 | static_cast<std::uint64_t>(isLast || bits.isSet(at + n))
+                                                        << (n - 1);
+            // For each direction the voxels of the set whose neighbour is inside the volume and not
+            // in the set.
+            if (z > 0) count(set & ~bits.load64(at - plane), labels + at - plane, histogram);
+            if (z + 1 < nz) count(set & ~bits.load64(at + plane), labels + at + plane, histogram);
+            if (y > 0) count(set & ~bits.load64(at - nx), labels + at - nx, histogram);
+            if (y + 1 < ny) count(set & ~bits.load64(at + nx), labels + at + nx, histogram);
+            count(set & ~before, labels + at - 1, histogram);
+            count(set & ~behind, labels + at + 1, histogram);
         }
     }
 
-private:
+    static void count(std::uint64_t voxels, const unsigned char* neighbours, Histogram& histogram)
+    {
+        for (; voxels; voxels &= voxels - 1) ++histogram.counts[neighbours[std::countr_zero(voxels)]];
+    }
+
     const McBitfield& bits;
     const unsigned char* labels;
     const unsigned long nx, ny, nz, plane;
@@ -110,16 +122,19 @@ private:
 void countOwn(const McBitfield& bits, const unsigned char* labels, unsigned long first, unsigned long end,
               Histogram& histogram)
 {
+    // Neighbours mostly carry one label. Counting them in turn in several tables keeps an increment
+    // from waiting for the one before.
+    constexpr int kTables = 4;
+    Histogram tables[kTables];
     for (unsigned long i = first; i < end; ++i) {
         unsigned int word = bits.words()[i];
         const unsigned char* const at = labels + i * kWord;
-        // The inside of a material, which is most of it, needs one look.
-        if (word == ~0u && std::memcmp(at, at + 1, kWord - 1) == 0) {
-            histogram.counts[*at] += kWord;
-            continue;
+        for (; word; word &= word - 1) {
+            const int k = std::countr_zero(word);
+            ++tables[k % kTables].counts[at[k]];
         }
-        for (; word; word &= word - 1) ++histogram.counts[at[std::countr_zero(word)]];
     }
+    for (const Histogram& table : tables) histogram.add(table);
 }
 
 } // namespace
@@ -149,7 +164,7 @@ int giChooseTarget3D(const McBitfield& bits, const unsigned char* labels, const 
     const BoundaryCount boundary(bits, labels, dims);
     forEachChunk(dims[1] * dims[2], threads, [&](unsigned long first, unsigned long end) {
         Histogram own;
-        for (unsigned long row = first; row < end; ++row) boundary.countRow(row, own);
+        boundary.countRows(first, end, own);
 #pragma omp critical(giLabelTransferCount)
         shared.add(own);
     });
@@ -205,16 +220,13 @@ void giMarkPieces(const McBitfield& selection, const unsigned char* labels, cons
         giAcceptWindow(labels + row * nx, nx, label, label, accepted.data());
         giPackAccepted(accepted.data(), words, acceptedBits);
     });
-    long ignoredBounds[6] = {};
     for (unsigned long row = 0; row < rows; ++row) {
         for (unsigned long x = 0; x < nx; x += 64) {
             const unsigned long n = std::min(64ul, nx - x);
             const std::uint64_t selected = selection.load64(row * nx + x) & ~std::uint64_t{0} >> (64 - n);
-            if (!selected) continue;
-            // A fill closes all that it reaches, so the open voxels are asked for anew.
-            while (const std::uint64_t seeds = selected & fill.openVoxels(row, x / 64))
-                fill.fill(static_cast<long>(x) + std::countr_zero(seeds), static_cast<long>(row % dims[1]),
-                          static_cast<long>(row / dims[1]), ignoredBounds);
+            if (selected) fill.addSeeds(row, x / 64, selected);
         }
     }
+    long ignoredBounds[6] = {};
+    fill.fill(ignoredBounds);
 }

@@ -107,8 +107,10 @@ void GiModifyLabel::rleDecompress()
     forEachSlice(rleSlices.size(), [this](int s) {
         McRawData2D slice;
         volume.getSlice(2, s, slice, kMcViewSlice);
-        rleDecompress(static_cast<unsigned char*>(slice.data()),
-                      reinterpret_cast<const unsigned char*>(rleSlices[s]));
+        // The streams fill their slices, so all of a slice may be written at any time.
+        giRunLengthDecode(static_cast<unsigned char*>(slice.data()),
+                          reinterpret_cast<const unsigned char*>(rleSlices[s]),
+                          static_cast<long>(slice.width()) * slice.height());
     });
 }
 

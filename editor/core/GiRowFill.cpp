@@ -6,20 +6,32 @@
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 namespace {
 
 constexpr std::uint64_t kAll = ~std::uint64_t{0};
+constexpr int kNoWord = std::numeric_limits<int>::max();
 
-std::uint64_t from(unsigned long bit)
+/// Spreads bits upwards along the runs of `open`: an addition carries each bit to the end of its
+/// run. `carry` comes from the word below and goes to the word above.
+std::uint64_t spreadUp(std::uint64_t open, std::uint64_t bits, std::uint64_t& carry)
 {
-    return kAll << (bit % 64);
+    const std::uint64_t part = open + bits;
+    const std::uint64_t sum = part + carry;
+    carry = static_cast<std::uint64_t>(part < open) | static_cast<std::uint64_t>(sum < part);
+    return (open & ~sum) | bits;
 }
 
-std::uint64_t upTo(unsigned long bit)
+/// Spreads bits downwards along the runs of `open`, in steps that double.
+std::uint64_t spreadDown(std::uint64_t open, std::uint64_t bits)
 {
-    return kAll >> (63 - bit % 64);
+    for (int step = 1; step < 64; step *= 2) {
+        bits |= open & (bits >> step);
+        open &= open >> step;
+    }
+    return bits;
 }
 
 } // namespace
@@ -30,131 +42,177 @@ GiRowFill::GiRowFill(const unsigned long* dims, McBitfield& marks, AcceptRow acc
       nz(static_cast<long>(dims[2])),
       rowWords((dims[0] + 63) / 64),
       visited(marks),
-      acceptRow(std::move(accept))
+      acceptRow(std::move(accept)),
+      bounds{nx, ny, nz, -1, -1, -1}
 {
-    const unsigned long rows = dims[1] * dims[2];
-    acceptedRow.resize(static_cast<int>(rowWords));
-    words = static_cast<Word*>(mcAllocateZeroed(mcByteCount(rows * rowWords, sizeof(Word))));
-    try {
-        isBuilt = static_cast<unsigned char*>(mcAllocateZeroed(rows));
-    } catch (...) {
-        std::free(words);
-        throw;
-    }
+    const unsigned long numRows = dims[1] * dims[2];
+    rows.resize(static_cast<int>(numRows));
+    for (Row& row : rows) row = Row{kNoWord, -1, false};
+    listed.resize(numRows);
+    emptyRow.resize(static_cast<int>(rowWords));
+    scratch.resize(static_cast<int>(rowWords));
+    words = static_cast<Word*>(mcAllocateZeroed(mcByteCount(numRows * rowWords, sizeof(Word))));
 }
 
 GiRowFill::~GiRowFill()
 {
     std::free(words);
-    std::free(isBuilt);
 }
 
-void GiRowFill::buildRow(unsigned long row)
+GiRowFill::Word* GiRowFill::builtRow(unsigned long row)
 {
-    acceptRow(row, acceptedRow.data());
-    Word* built = words + row * rowWords;
-    for (unsigned long i = 0; i < rowWords; ++i) {
-        const std::uint64_t accepted = acceptedRow[static_cast<int>(i)];
-        const unsigned long x = i * 64;
-        const unsigned long n = std::min(64ul, static_cast<unsigned long>(nx) - x);
-        built[i].accepted = accepted;
-        built[i].open = accepted & ~giLoadBits(visited.words(), row * static_cast<unsigned long>(nx) + x, n);
+    Word* const built = wordsOf(row);
+    Row& state = rows[static_cast<int>(row)];
+    if (state.isBuilt) return built;
+    acceptRow(row, scratch.data());
+    for (unsigned long i = 0; i < rowWords; ++i)
+        built[i].open =
+            scratch[static_cast<int>(i)] & ~visited.load64(row * static_cast<unsigned long>(nx) + i * 64);
+    state.isBuilt = true;
+    return built;
+}
+
+bool GiRowFill::accepts(unsigned long x, unsigned long row)
+{
+    acceptRow(row, scratch.data());
+    return scratch[static_cast<int>(x / 64)] >> (x % 64) & 1;
+}
+
+const GiRowFill::Word* GiRowFill::reachedIn(long y, long z) const
+{
+    if (y < 0 || y >= ny || z < 0 || z >= nz) return emptyRow.data();
+    const long row = y + ny * z;
+    return rows[static_cast<int>(row)].isBuilt ? words + static_cast<unsigned long>(row) * rowWords
+                                               : emptyRow.data();
+}
+
+/// Puts a row on the list whose neighbour has grown in some words.
+void GiRowFill::list(long y, long z, const Word* grown, int firstWord, int lastWord)
+{
+    if (y < 0 || y >= ny || z < 0 || z >= nz) return;
+    const long number = y + ny * z;
+    Row& row = rows[static_cast<int>(number)];
+    if (row.isBuilt) {
+        const Word* const own = wordsOf(static_cast<unsigned long>(number));
+        std::uint64_t any = 0;
+        for (int i = firstWord; i <= lastWord; ++i) any |= own[i].open & ~own[i].reached & grown[i].reached;
+        if (!any) return;
     }
-    isBuilt[row] = 1;
+    row.firstWord = std::min(row.firstWord, firstWord);
+    row.lastWord = std::max(row.lastWord, lastWord);
+    listed.set(static_cast<unsigned long>(number));
 }
 
-bool GiRowFill::hasOpen(long y, long z, int left, int right)
+void GiRowFill::addSeeds(unsigned long row, unsigned long i, std::uint64_t seeds)
 {
-    const Word* row = wordsOf(static_cast<unsigned long>(z * ny + y));
-    const int first = left / 64, last = right / 64;
-    std::uint64_t open = row[first].open & from(static_cast<unsigned long>(left));
-    for (int i = first; i < last; ++i) {
-        if (open) return true;
-        open = row[i + 1].open;
+    const Word& word = builtRow(row)[i];
+    const int at = static_cast<int>(i);
+    scratch[at] = seeds & word.open & ~word.reached;
+    if (scratch[at]) spread(row, at, at);
+}
+
+unsigned long GiRowFill::fill(long* filled)
+{
+    const auto numRows = static_cast<unsigned long>(rows.size());
+    bool isDone = false;
+    while (!isDone) {
+        isDone = true;
+        for (unsigned long row = giFindSet(listed.words(), 0, numRows); row < numRows;
+             row = giFindSet(listed.words(), row + 1, numRows)) {
+            lookAt(row);
+            isDone = false;
+        }
+        for (unsigned long end = numRows, row; end > 0; end = row) {
+            row = giFindLastSet(listed.words(), 0, end);
+            if (row == end) break;
+            lookAt(row);
+            isDone = false;
+        }
     }
-    return (open & upTo(static_cast<unsigned long>(right))) != 0;
-}
-
-void GiRowFill::push(long z, long y, int left, int right)
-{
-    if (z < 0 || z >= nz || y < 0 || y >= ny) return;
-    // What is closed now stays closed: leaving such a span out saves most of the stack's traffic.
-    if (!hasOpen(y, z, left, right)) return;
-    pending.push(Span{static_cast<int>(z), static_cast<int>(y), left, right});
-}
-
-unsigned long GiRowFill::fill(long x, long y, long z, long* bounds)
-{
-    const auto seed = static_cast<unsigned long>(x);
-    const Word& word = wordsOf(static_cast<unsigned long>(z * ny + y))[seed / 64];
-    if (!(word.accepted >> (seed % 64) & 1)) return 0;
-
-    count = 0;
-    pending.clear();
-    const int at = static_cast<int>(x);
-    push(z - 1, y, at, at);
-    push(z + 1, y, at, at);
-    push(z, y - 1, at, at);
-    push(z, y + 1, at, at);
-    push(z, y, at, at);
-    while (pending.size() > 0) fillSpan(pending.pop(), bounds);
+    markVisited();
+    for (int axis = 0; axis < 3; ++axis) {
+        filled[axis] = std::min(filled[axis], bounds[axis]);
+        filled[axis + 3] = std::max(filled[axis + 3], bounds[axis + 3]);
+    }
     return count;
 }
 
-void GiRowFill::fillSpan(const Span& span, long* bounds)
+/// Takes in what the neighbours of a row have reached.
+void GiRowFill::lookAt(unsigned long row)
 {
-    Word* row = wordsOf(static_cast<unsigned long>(span.z * ny + span.y));
-    const auto findOpen = [&](int x) {
-        int i = x / 64;
-        std::uint64_t open = row[i].open & from(static_cast<unsigned long>(x));
-        while (open == 0 && i < span.right / 64) open = row[++i].open;
-        return open ? i * 64 + std::countr_zero(open) : span.right + 1;
-    };
-    const auto runEnd = [&](int x) {
-        auto i = static_cast<unsigned long>(x) / 64;
-        std::uint64_t refused = ~row[i].accepted & from(static_cast<unsigned long>(x));
-        while (refused == 0 && i + 1 < rowWords) refused = ~row[++i].accepted;
-        return refused ? static_cast<int>(i * 64) + std::countr_zero(refused) : static_cast<int>(nx);
-    };
-    const auto runBegin = [&](int x) {
-        auto i = static_cast<unsigned long>(x) / 64;
-        std::uint64_t refused = ~row[i].accepted & upTo(static_cast<unsigned long>(x));
-        while (refused == 0 && i > 0) refused = ~row[--i].accepted;
-        return refused ? static_cast<int>(i * 64) + 64 - std::countl_zero(refused) : 0;
-    };
+    Row& state = rows[static_cast<int>(row)];
+    const int first = state.firstWord, last = state.lastWord;
+    state.firstWord = kNoWord;
+    state.lastWord = -1;
+    listed.unset(row);
 
-    for (int x = findOpen(span.left); x <= span.right;) {
-        // Only at the span's begin can an open run reach further to the left.
-        const int left = x == span.left ? runBegin(x) : x;
-        const int end = runEnd(x);
-        markRun(row, span, left, end, bounds);
-        if (end >= span.right) return;
-        x = findOpen(end + 1);
+    const Word* const own = builtRow(row);
+    const long y = static_cast<long>(row) % ny, z = static_cast<long>(row) / ny;
+    const Word* const above = reachedIn(y, z - 1);
+    const Word* const below = reachedIn(y, z + 1);
+    const Word* const before = reachedIn(y - 1, z);
+    const Word* const behind = reachedIn(y + 1, z);
+    std::uint64_t any = 0;
+    for (int i = first; i <= last; ++i) {
+        scratch[i] = (above[i].reached | below[i].reached | before[i].reached | behind[i].reached) &
+                     own[i].open & ~own[i].reached;
+        any |= scratch[i];
     }
+    if (any) spread(row, first, last);
 }
 
-void GiRowFill::markRun(Word* row, const Span& span, int left, int end, long* bounds)
+/// Spreads the bits of `scratch`, words firstWord to lastWord, along the open runs of a row.
+void GiRowFill::spread(unsigned long row, int firstWord, int lastWord)
 {
-    const auto first = static_cast<unsigned long>(left);
-    const auto last = static_cast<unsigned long>(end - 1);
-    const auto base = static_cast<unsigned long>((span.z * ny + span.y) * nx);
-    giSetBits(visited.words(), base + first, base + last + 1);
-    for (unsigned long i = first / 64; i <= last / 64; ++i) {
-        std::uint64_t run = kAll;
-        if (i == first / 64) run &= from(first);
-        if (i == last / 64) run &= upTo(last);
-        row[i].open &= ~run;
+    Word* const own = wordsOf(row);
+    const int end = static_cast<int>(rowWords);
+    std::uint64_t carry = 0;
+    int top = firstWord;
+    for (; top < end && (top <= lastWord || carry); ++top) {
+        if (top > lastWord) scratch[top] = 0;
+        if (scratch[top] | carry) scratch[top] = spreadUp(own[top].open, scratch[top], carry);
     }
-    push(span.z - 1l, span.y, left, end - 1);
-    push(span.z + 1l, span.y, left, end - 1);
-    push(span.z, span.y - 1l, left, end - 1);
-    push(span.z, span.y + 1l, left, end - 1);
 
-    const long low[3] = {left, span.y, span.z};
-    const long high[3] = {end - 1l, span.y, span.z};
-    for (int axis = 0; axis < 3; ++axis) {
-        bounds[axis] = std::min(bounds[axis], low[axis]);
-        bounds[axis + 3] = std::max(bounds[axis + 3], high[axis]);
+    int low = kNoWord, high = -1;
+    std::uint64_t enters = 0; // from the word above
+    for (int i = top - 1; i >= 0 && (i >= firstWord || enters); --i) {
+        std::uint64_t bits = (i >= firstWord ? scratch[i] : 0) | (enters & own[i].open);
+        if (bits && bits != own[i].open) bits = spreadDown(own[i].open, bits);
+        enters = bits << 63;
+        if (!bits) continue;
+        own[i].reached |= bits;
+        count += static_cast<unsigned long>(std::popcount(bits));
+        low = i;
+        high = std::max(high, i);
     }
-    count += static_cast<unsigned long>(end - left);
+
+    const long y = static_cast<long>(row) % ny, z = static_cast<long>(row) / ny;
+    const long lowest[3] = {low * 64l + std::countr_zero(own[low].reached), y, z};
+    const long highest[3] = {high * 64l + 63 - std::countl_zero(own[high].reached), y, z};
+    for (int axis = 0; axis < 3; ++axis) {
+        bounds[axis] = std::min(bounds[axis], lowest[axis]);
+        bounds[axis + 3] = std::max(bounds[axis + 3], highest[axis]);
+    }
+    list(y, z - 1, own, low, high);
+    list(y, z + 1, own, low, high);
+    list(y - 1, z, own, low, high);
+    list(y + 1, z, own, low, high);
+}
+
+void GiRowFill::markVisited()
+{
+    for (int number = 0; number < rows.size(); ++number) {
+        if (!rows[number].isBuilt) continue;
+        const auto row = static_cast<unsigned long>(number);
+        const Word* const own = wordsOf(row);
+        for (unsigned long i = 0; i < rowWords; ++i) {
+            const std::uint64_t bits = own[i].reached;
+            if (!bits) continue;
+            // The field may be written beyond its last bit here, with zeros.
+            const unsigned long at = row * static_cast<unsigned long>(nx) + i * 64;
+            McBitfield::Word64* const target = visited.words64() + at / 64;
+            target[0] |= bits << (at % 64);
+            target[1] |= bits >> 1 >> (63 - at % 64);
+        }
+    }
 }

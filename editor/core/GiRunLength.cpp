@@ -1,9 +1,11 @@
 #include "core/GiRunLength.h"
 
+#include "mc/McMemory.h"
 #include "mc/McMemoryException.h"
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,11 +28,17 @@ public:
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
 
-    void putRun(long count, unsigned char value)
+    /// Puts a run and returns how much of it: a single byte that is left over behind full packets is
+    /// no run, but the first of the literals that follow.
+    long putRun(long count, unsigned char value)
     {
-        need(2);
-        buffer[length++] = static_cast<unsigned char>(count);
-        buffer[length++] = value;
+        need(2 * (count / kMaxPacket + 1));
+        long left = count;
+        for (; left >= 2; left -= std::min(left, kMaxPacket)) {
+            buffer[length++] = static_cast<unsigned char>(std::min(left, kMaxPacket));
+            buffer[length++] = value;
+        }
+        return count - left;
     }
     void putLiterals(const unsigned char* bytes, long count)
     {
@@ -72,83 +80,90 @@ private:
     long capacity = 0;
 };
 
+/// Where bytes equal their successors, as bits: byte i and byte i + 1 for bit i. All searches for
+/// runs are made on these bits, so that the data is read once, in order.
+class EqualNext
+{
+public:
+    EqualNext(const unsigned char* bytes, long size)
+    {
+        const auto numWords = static_cast<unsigned long>(size / 64 + 2); // one more for the look ahead
+        words = static_cast<std::uint64_t*>(mcAllocateZeroed(numWords * sizeof(std::uint64_t)));
+        long i = 0;
 #if defined(__SSE2__)
-
-__m128i load16(const unsigned char* p)
-{
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-}
-
-/// Bit i tells that byte i of both is equal.
-unsigned int equalMask(__m128i a, __m128i b)
-{
-    return static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b)));
-}
-
+        for (; i + 65 <= size; i += 64) {
+            for (int part = 0; part < 64; part += 16)
+                words[i / 64] |= static_cast<std::uint64_t>(equalMask(bytes + i + part)) << part;
+        }
 #endif
+        for (; i + 1 < size; ++i)
+            words[i / 64] |= static_cast<std::uint64_t>(bytes[i] == bytes[i + 1]) << (i % 64);
+    }
+    ~EqualNext()
+    {
+        std::free(words);
+    }
+    EqualNext(const EqualNext&) = delete;
+    EqualNext& operator=(const EqualNext&) = delete;
 
-/// The first index from `i` on whose byte is not `value`, or `size`.
-long findOther(const unsigned char* s, long i, long size, unsigned char value)
-{
+    /// One behind the last byte that continues the run at byte i; the last byte ends any run.
+    long runEnd(long i) const
+    {
+        long k = i / 64;
+        std::uint64_t ends = ~words[k] & ~std::uint64_t{0} << (i % 64);
+        while (!ends) ends = ~words[++k];
+        return k * 64 + std::countr_zero(ends) + 1;
+    }
+    /// The first byte from i on, and before `end`, where three equal ones begin; otherwise `end`.
+    long findTriple(long i, long end) const
+    {
+        if (i >= end) return end;
+        long k = i / 64;
+        std::uint64_t begins = triples(k) & ~std::uint64_t{0} << (i % 64);
+        while (!begins && (k + 1) * 64 < end) begins = triples(++k);
+        return begins ? std::min(end, k * 64 + std::countr_zero(begins)) : end;
+    }
+
+private:
 #if defined(__SSE2__)
-    const __m128i wanted = _mm_set1_epi8(static_cast<char>(value));
-    for (; i + 64 <= size; i += 64) {
-        const __m128i a = _mm_cmpeq_epi8(load16(s + i), wanted);
-        const __m128i b = _mm_cmpeq_epi8(load16(s + i + 16), wanted);
-        const __m128i c = _mm_cmpeq_epi8(load16(s + i + 32), wanted);
-        const __m128i d = _mm_cmpeq_epi8(load16(s + i + 48), wanted);
-        if (_mm_movemask_epi8(_mm_and_si128(_mm_and_si128(a, b), _mm_and_si128(c, d))) != 0xFFFF) break;
-    }
-    for (; i + 16 <= size; i += 16) {
-        const unsigned int equal = equalMask(load16(s + i), wanted);
-        if (equal != 0xFFFF) return i + std::countr_one(equal);
+    static unsigned int equalMask(const unsigned char* p)
+    {
+        const __m128i these = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 1));
+        return static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi8(these, next)));
     }
 #endif
-    while (i < size && s[i] == value) ++i;
-    return i;
-}
+    std::uint64_t triples(long k) const
+    {
+        return words[k] & (words[k] >> 1 | words[k + 1] << 63);
+    }
 
-/// The first index from `i` on at which three equal bytes begin, at most `end`; `size` bytes may be
-/// looked at.
-long findTriple(const unsigned char* s, long i, long end, long size)
-{
-#if defined(__SSE2__)
-    for (; i < end && i + 18 <= size; i += 16) {
-        const __m128i middle = load16(s + i + 1);
-        const unsigned int triples = equalMask(load16(s + i), middle) & equalMask(middle, load16(s + i + 2));
-        if (triples) return std::min(end, i + std::countr_zero(triples));
-    }
-#endif
-    while (i < end && !(i + 2 < size && s[i] == s[i + 1] && s[i + 1] == s[i + 2])) ++i;
-    return std::min(i, end);
-}
+    std::uint64_t* words;
+};
 
 } // namespace
 
 long giRunLengthEncode(const unsigned char* source, long size, unsigned char*& stream)
 {
     Stream out(size);
+    const EqualNext equalNext(source, size);
     long i = 0;
     while (i < size) {
-        const long runEnd = findOther(source, i + 1, size, source[i]);
-        if (runEnd - i >= 2) {
-            // A long run becomes full packets; what is left over is a run only if it is a pair at
-            // least, and otherwise the first byte of the literals that follow.
-            long left = runEnd - i;
-            for (; left >= 2; left -= std::min(left, kMaxPacket))
-                out.putRun(std::min(left, kMaxPacket), source[i]);
-            i = runEnd - left;
+        const long length = equalNext.runEnd(i) - i;
+        if (length >= 2) {
+            i += out.putRun(length, source[i]);
             continue;
         }
-        const long end = findTriple(source, i + 1, std::min(i + kMaxPacket, size), size);
+        const long end = equalNext.findTriple(i + 1, std::min(i + kMaxPacket, size));
         out.putLiterals(source + i, end - i);
         i = end;
     }
     return out.finish(stream);
 }
 
-void giRunLengthDecode(unsigned char* target, const unsigned char* stream)
+void giRunLengthDecode(unsigned char* target, const unsigned char* stream, long room)
 {
+    const unsigned char* const end = target + room;
     for (;;) {
         const unsigned char control = *stream++;
         const std::size_t count = control & (kLiteral - 1);
@@ -156,6 +171,9 @@ void giRunLengthDecode(unsigned char* target, const unsigned char* stream)
         if (control & kLiteral) {
             std::memcpy(target, stream, count);
             stream += count;
+        } else if (end - target > kMaxPacket) {
+            // A fixed length needs no decisions, which cost more than the bytes written in vain.
+            std::memset(target, *stream++, kMaxPacket + 1);
         } else {
             std::memset(target, *stream++, count);
         }

@@ -13,4 +13,7 @@
 long giRunLengthEncode(const unsigned char* source, long size, unsigned char*& stream);
 
 /// Decodes a stream; `target` must have room for all that was encoded.
-void giRunLengthDecode(unsigned char* target, const unsigned char* stream);
+///
+/// room  bytes of `target` that may be written at will, because the stream fills them all: decoding
+///       is faster then. 0: nothing is written but what is decoded.
+void giRunLengthDecode(unsigned char* target, const unsigned char* stream, long room = 0);

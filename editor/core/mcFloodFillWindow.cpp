@@ -42,7 +42,19 @@ unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned lo
     const bool canMatch = !window.labels || window.label < 256;
     if (canMatch && isInside(dims, x, y, z)) {
         GiRowFill fill(dims, visited, rowTest(window, dims[0]));
-        count = fill.fill(x, y, z, bounds);
+        const auto column = static_cast<unsigned long>(x);
+        const auto rowOf = [&](long j, long k) {
+            return static_cast<unsigned long>(j) + dims[1] * static_cast<unsigned long>(k);
+        };
+        if (fill.accepts(column, rowOf(y, z))) {
+            // As in the plain fill the neighbouring rows start too, which makes a difference if the
+            // seed itself is marked already.
+            const int starts[5][2] = {{y, z}, {y - 1, z}, {y + 1, z}, {y, z - 1}, {y, z + 1}};
+            for (const auto& [j, k] : starts)
+                if (isInside(dims, x, j, k))
+                    fill.addSeeds(rowOf(j, k), column / 64, std::uint64_t{1} << (column % 64));
+            count = fill.fill(bounds);
+        }
     }
     // kept: in a volume of a single row the box stays at the seed. The plain fill widens the box
     // when it goes on to a neighbouring row, and there is none.

@@ -20,13 +20,15 @@ struct McFillWindow
 /// the sides.
 ///
 /// dims     X, Y, Z
-/// visited  one bit per voxel; sized and cleared if its size differs, otherwise kept
+/// visited  one bit per voxel; sized and cleared if its size differs, otherwise kept: what earlier
+///          fills have marked is not entered. These must have had disjoint acceptances or the same
+///          one, so that a run of accepted voxels along x is marked as a whole or not at all.
 /// box      null, or six ints for xmin, xmax, ymin, ymax, zmin, zmax
 /// throws   McMemoryException
 ///
 /// Each row is tested as a whole when the fill first reaches it, by vector compares into one bit
-/// per voxel; spans are then found with word operations. Costs two more bits per voxel, for the
-/// part of the volume that the fill reaches.
+/// per voxel; the rest is word operations (see GiRowFill). Costs two more bits per voxel of the
+/// volume.
 template <class T>
 unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned long* dims, int x, int y, int z,
                                 McBitfield& visited, int* box);

@@ -40,11 +40,6 @@ public:
     /// Null takes the former result away. The last argument is reserved, -1.
     void setResult(int index, HxData* data, int reserved);
 
-    int parse(Tcl_Interp* interp, int wordCount, char** words) override
-    {
-        return HxObject::parse(interp, wordCount, words);
-    }
-
 protected:
     void memberRemoved(HxObject* member) override;
 

@@ -15,6 +15,12 @@ std::map<const HxData*, McHandle<HxEditor>>& attachedEditors()
     return editors;
 }
 
+std::vector<HxEditor*>& existingEditors()
+{
+    static std::vector<HxEditor*> editors;
+    return editors;
+}
+
 void detachRemovedData()
 {
     HxObjectPool* pool = HxObjectPool::getThePool();
@@ -25,9 +31,20 @@ void detachRemovedData()
 
 } // namespace
 
-HxEditor::HxEditor(McTypeId dataInterface) : editedInterface(dataInterface) {}
+HxEditor::HxEditor(McTypeId dataInterface) : editedInterface(dataInterface)
+{
+    existingEditors().push_back(this);
+}
 
-HxEditor::~HxEditor() = default;
+HxEditor::~HxEditor()
+{
+    std::erase(existingEditors(), this);
+}
+
+const std::vector<HxEditor*>& HxEditor::all()
+{
+    return existingEditors();
+}
 
 McTypeId HxEditor::getClassTypeId()
 {

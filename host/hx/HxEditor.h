@@ -3,6 +3,8 @@
 #include "hx/HxBase.h"
 #include "mc/McHandle.h"
 
+#include <vector>
+
 class HxData;
 
 /// Base of the editors that are attached to a data object. An attached editor is referenced by the host and
@@ -38,6 +40,9 @@ public:
 
     /// The editor that is attached to an object, null when there is none.
     static HxEditor* editorOf(const HxData* data);
+
+    /// All editors that exist, attached or not, in the order of their making.
+    static const std::vector<HxEditor*>& all();
 
     McTypeId dataInterface() const { return editedInterface; }
 

@@ -8,6 +8,26 @@
 
 #include <tcl.h>
 
+namespace {
+
+/// Message and call stack of the error that the interpreter has just reported. The variable errorInfo will
+/// not do: a file that cannot be read leaves an older text in it.
+McString stackOf(Tcl_Interp* interp)
+{
+    Tcl_Obj* options = Tcl_GetReturnOptions(interp, TCL_ERROR);
+    Tcl_IncrRefCount(options);
+    Tcl_Obj* key = Tcl_NewStringObj("-errorinfo", -1);
+    Tcl_IncrRefCount(key);
+    Tcl_Obj* stack = nullptr;
+    Tcl_DictObjGet(nullptr, options, key, &stack);
+    const McString text = stack ? Tcl_GetString(stack) : Tcl_GetStringResult(interp);
+    Tcl_DecrRefCount(key);
+    Tcl_DecrRefCount(options);
+    return text;
+}
+
+} // namespace
+
 HxInterpreter* HxInterpreter::getTheInterpreter()
 {
     // Leaked on purpose: objects that outlive main still take their commands out of it.
@@ -52,21 +72,21 @@ int HxInterpreter::eval(const char* script, McString& result)
 int HxInterpreter::evalFile(const char* path, McString& result)
 {
     // Read as UTF-8 wherever the program runs, so that a script means the same under every locale.
-    return finish(Tcl_FSEvalFileEx(interp, Tcl_NewStringObj(path, -1), "utf-8"), result);
+    Tcl_Obj* pathObject = Tcl_NewStringObj(path, -1);
+    Tcl_IncrRefCount(pathObject);
+    Tcl_ResetResult(interp); // a file that cannot be opened would add its error to the stack of an older one
+    const int code = finish(Tcl_FSEvalFileEx(interp, pathObject, "utf-8"), result);
+    Tcl_DecrRefCount(pathObject);
+    return code;
 }
 
 int HxInterpreter::finish(int code, McString& result)
 {
+    if (code == TCL_ERROR) lastError = stackOf(interp);
     // `return` and `break` outside a procedure end the script without being errors of it.
     if (code != TCL_ERROR) code = TCL_OK;
     result = Tcl_GetStringResult(interp);
     return code;
-}
-
-McString HxInterpreter::errorText()
-{
-    const char* text = getVar("errorInfo");
-    return text ? text : "";
 }
 
 int HxInterpreter::openVorelSocket(int port)

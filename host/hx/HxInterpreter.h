@@ -30,11 +30,12 @@ public:
     /// Evaluates a script. Returns TCL_OK or TCL_ERROR; `result` takes the result or the error text.
     int eval(const char* script, McString& result);
 
-    /// Evaluates a file as the Tcl command `source` does, so that `info script` tells its path.
+    /// Evaluates a file, read as UTF-8, as the Tcl command `source` does, so that `info script` tells its
+    /// path.
     int evalFile(const char* path, McString& result);
 
-    /// Message and call stack of the last error, several lines ("errorInfo").
-    McString errorText();
+    /// Message and call stack of the last script that failed, several lines.
+    const McString& errorText() const { return lastError; }
 
     /// Starts to listen for script lines of other processes on the loopback address, at `port` or at the next
     /// free one up to 20 above. A second call does nothing. Needs a running Qt event loop to be of use.
@@ -59,6 +60,7 @@ private:
 
     Tcl_Interp* interp;
     McString lastResult;
+    McString lastError;
     HxScriptSocket* socket = nullptr;
     std::optional<int> requestedCode;
 };

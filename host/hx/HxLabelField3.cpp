@@ -10,9 +10,10 @@
 
 namespace {
 
-int threads()
+int threadsFor(const HxLattice3& lattice)
 {
-    return HxSettingsMgr::getInstance()->numThreads();
+    constexpr unsigned long kWorthSharing = 1 << 20; // bytes; waking other threads costs more below
+    return lattice.numBytes() < kWorthSharing ? 1 : HxSettingsMgr::getInstance()->numThreads();
 }
 
 int runMaterials(HxLabelField3& field, const HxScriptCall& call)
@@ -29,8 +30,9 @@ int runCount(HxLabelField3& field, const HxScriptCall& call)
     if (!call.getIndex(2, 256, "label", label)) return TCL_ERROR;
     const unsigned char* labels = field.labelLattice()->getLabels();
     const long n = static_cast<long>(field.labelLattice()->numNodes());
+    const int threads = threadsFor(*field.lattice());
     long count = 0;
-#pragma omp parallel for num_threads(threads()) reduction(+ : count)
+#pragma omp parallel for num_threads(threads) reduction(+ : count)
     for (long i = 0; i < n; i++) count += labels[i] == label;
     return call.result(count);
 }
@@ -113,8 +115,9 @@ float HxLabelField3::getSurfaceArea(int material)
     const unsigned char* labels = labelLattice()->getLabels();
     const auto label = static_cast<unsigned char>(material);
     const long nz = static_cast<long>(dims[2]);
+    const int threads = threadsFor(*lattice());
     long x = 0, y = 0, z = 0;
-#pragma omp parallel for num_threads(threads()) reduction(+ : x, y, z)
+#pragma omp parallel for num_threads(threads) reduction(+ : x, y, z)
     for (long k = 0; k < nz; k++) {
         const FaceCounts faces = facesOfSlice(labels, dims, static_cast<unsigned long>(k), label);
         x += faces.x;

@@ -37,10 +37,13 @@ McInterface* HxRegScalarField3::getInterface(McTypeId type)
 
 bool HxRegScalarField3::computeRange(double& min, double& max)
 {
+    constexpr unsigned long kWorthSharing = 1 << 20; // bytes; waking other threads costs more below
     const unsigned long numValues =
         lattice()->numNodes() * static_cast<unsigned long>(lattice()->numDataVars());
-    return lattice()->dataPtr() && hxValueRange(lattice()->dataPtr(), numValues, lattice()->primType(),
-                                                HxSettingsMgr::getInstance()->numThreads(), min, max);
+    const int threads =
+        lattice()->numBytes() < kWorthSharing ? 1 : HxSettingsMgr::getInstance()->numThreads();
+    return lattice()->dataPtr() &&
+           hxValueRange(lattice()->dataPtr(), numValues, lattice()->primType(), threads, min, max);
 }
 
 McHistogram HxRegScalarField3::Histogram::getHistogram(int numBins)

@@ -15,7 +15,10 @@ void hxRegisterHostClasses()
     HxClassRegistry::add("HxSubApplication", "HxBase");
 
     // Images and label fields are missing on purpose: without values there is nothing to make them of.
-    HxClassRegistry::add("HxColormap", "HxData", [] { return new HxColormap; });
-    HxClassRegistry::add("HxLineSet", "HxData", [] { return new HxLineSet; });
-    HxClassRegistry::add("HxSpreadSheet", "HxData", [] { return new HxSpreadSheet; });
+    HxColormap::initClass();
+    HxLineSet::initClass();
+    HxSpreadSheet::initClass();
+    HxClassRegistry::add("HxColormap", "HxData", HxColormap::createInstance);
+    HxClassRegistry::add("HxLineSet", "HxData", HxLineSet::createInstance);
+    HxClassRegistry::add("HxSpreadSheet", "HxData", HxSpreadSheet::createInstance);
 }

@@ -91,14 +91,11 @@ void HxAtomicFile::commit()
     ::close(folder);
 }
 
-void HxAtomicFile::failIncomplete(std::size_t needed, const std::string& otherwise) const
+void HxAtomicFile::checkSpace(std::size_t bytes) const
 {
     struct statvfs disk;
-    struct stat written;
-    if (::fstatvfs(descriptor, &disk) == 0 && ::fstat(descriptor, &written) == 0 &&
-        disk.f_bavail * disk.f_frsize + static_cast<std::size_t>(written.st_size) < needed)
+    if (::fstatvfs(descriptor, &disk) == 0 && disk.f_bavail * disk.f_frsize < bytes)
         fail("be written", ENOSPC);
-    throw HxFileError(target, otherwise);
 }
 
 void HxAtomicFile::fail(const char* action, int error) const

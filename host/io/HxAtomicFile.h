@@ -31,10 +31,9 @@ public:
     /// Brings the bytes to the disk and renames.
     void commit();
 
-    /// Fails the save for a reason that another writer could not tell: full disk, or `otherwise`.
-    ///
-    /// needed  bytes that the file should have had
-    [[noreturn]] void failIncomplete(std::size_t needed, const std::string& otherwise) const;
+    /// For writers that open the file by name and fail without the reason: makes sure beforehand that the
+    /// disk has room.
+    void checkSpace(std::size_t bytes) const;
 
 private:
     [[noreturn]] void fail(const char* action, int error) const;

@@ -149,7 +149,7 @@ HxVolume HxSliceSeries::readDicom(const std::vector<std::string>& files, const s
         if (sidewaysShift(series) > std::max(geometry.spacing[0], geometry.spacing[1]) / 2)
             warnings.push_back("the slices are shifted sideways (tilted gantry), which is not kept");
     }
-    std::vector<std::unique_ptr<HxItkFile>> sorted;
+    std::vector<std::unique_ptr<HxSliceFile>> sorted;
     for (Slice& slice : series) sorted.push_back(std::move(slice.file));
     HxVolume volume = join(sorted, named);
     volume.geometry = geometry;

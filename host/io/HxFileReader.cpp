@@ -4,11 +4,11 @@
 #include "hx/HxMessage.h"
 #include "io/HxFileError.h"
 #include "io/HxFileKind.h"
-#include "io/HxItkFile.h"
 #include "io/HxMetaImageFile.h"
 #include "io/HxNaturalOrder.h"
 #include "io/HxNiftiFile.h"
 #include "io/HxNrrdField.h"
+#include "io/HxSliceFile.h"
 #include "io/HxSliceSeries.h"
 #include "io/HxVolumeField.h"
 
@@ -59,7 +59,7 @@ Field readFile(const std::string& path, bool asLabels, Warnings& warnings)
     if (kind == HxFileKind::nrrd) return HxNrrdField::read(path, asLabels, warnings);
     if (kind == HxFileKind::nifti) return fieldOf(HxNiftiFile::read(path), path, asLabels);
     if (kind == HxFileKind::meta) return fieldOf(HxMetaImageFile::read(path), path, asLabels);
-    return fieldOf(HxItkFile(path, kind).read(), path, asLabels);
+    return fieldOf(HxSliceSeries::open(path, kind)->read(), path, asLabels);
 }
 
 Field readSeries(const std::vector<std::string>& files, HxFileKind kind, const std::string& named,

@@ -142,10 +142,10 @@ void writeTiff(const HxLattice3& lattice, const HxVolumeGeometry& geometry, cons
         throw HxFileError(path, std::string("TIFF files cannot hold ") + hxNameOf(type) +
                                     ", save as .nrrd instead");
     HxAtomicFile file(path, ".tif");
+    file.checkSpace(lattice.numBytes());
     HxItkFile::write(file.path(), path, HxFileKind::tiff, lattice.dims(), type, lattice.dataPtr(), geometry);
-    // The library does not tell of a disk that became full.
     if (std::filesystem::file_size(file.path()) < lattice.numBytes())
-        file.failIncomplete(lattice.numBytes(), "cannot be written completely");
+        throw HxFileError(path, "cannot be written completely");
     file.commit();
 }
 

@@ -1,18 +1,16 @@
 #include "io/HxItkFile.h"
 
+#include "io/HxDicomPixels.h"
 #include "io/HxFileError.h"
 #include "io/HxQuietLibraries.h"
+#include "io/HxTiffPages.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <itkBMPImageIO.h>
 #include <itkGDCMImageIO.h>
-#include <itkJPEGImageIO.h>
 #include <itkMetaDataObject.h>
 #include <itkMetaImageIO.h>
 #include <itkNiftiImageIO.h>
-#include <itkPNGImageIO.h>
 #include <itkTIFFImageIO.h>
 #include <regex>
 
@@ -32,11 +30,8 @@ itk::ImageIOBase::Pointer makeImageIo(HxFileKind kind)
     case HxFileKind::tiff:
         return itk::TIFFImageIO::New().GetPointer();
     case HxFileKind::png:
-        return itk::PNGImageIO::New().GetPointer();
     case HxFileKind::jpeg:
-        return itk::JPEGImageIO::New().GetPointer();
     case HxFileKind::bmp:
-        return itk::BMPImageIO::New().GetPointer();
     case HxFileKind::nrrd:
     case HxFileKind::unknown:
         break;
@@ -102,17 +97,6 @@ void setWholeRegion(itk::ImageIOBase& io)
     io.SetIORegion(region);
 }
 
-std::string lastBytes(const std::string& path, std::streamoff count)
-{
-    std::ifstream in(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size = in.tellg();
-    const std::streamoff n = std::clamp<std::streamoff>(size, 0, count);
-    std::string bytes(static_cast<std::size_t>(n), 0);
-    in.seekg(size - n);
-    in.read(bytes.data(), n);
-    return bytes;
-}
-
 } // namespace
 
 struct HxItkFile::Library
@@ -121,13 +105,13 @@ struct HxItkFile::Library
 };
 
 HxItkFile::HxItkFile(const std::string& path, HxFileKind fileKind)
-    : file(path), kind(fileKind), library(std::make_unique<Library>(Library{makeImageIo(fileKind)}))
+    : HxSliceFile(path), kind(fileKind), library(std::make_unique<Library>(Library{makeImageIo(fileKind)}))
 {
+    if (kind == HxFileKind::tiff) hxCheckTiffPages(file);
     itk::ImageIOBase& io = *library->io;
     guarded(file, std::string("the ") + hxNameOf(kind) + " header cannot be read", [&] {
         io.SetFileName(file);
-        // A palette's indices are the values: colours would not be an image of one component.
-        io.SetExpandRGBPalette(false);
+        io.SetExpandRGBPalette(false); // a palette's indices are the values
         if (!io.CanReadFile(file.c_str()))
             throw HxFileError(file, std::string("is no readable ") + hxNameOf(kind) + " file");
         io.ReadImageInformation();
@@ -176,7 +160,7 @@ HxVolume HxItkFile::read() const
 {
     itk::ImageIOBase& io = *library->io;
     checkScalar();
-    checkEnd();
+    if (kind == HxFileKind::dicom) hxCheckDicomPixels(file);
     HxVolume volume(file, size, elementType);
     volume.geometry = place;
     guarded(file, "the voxels cannot be read", [&] {
@@ -194,15 +178,6 @@ void HxItkFile::checkScalar() const
     if (components != 1)
         throw HxFileError(file, "has " + std::to_string(components) +
                                     " values per voxel, such as colours; only images of one can be read");
-}
-
-// The libraries fill what is missing at the end with grey and say nothing.
-void HxItkFile::checkEnd() const
-{
-    bool isWhole = true;
-    if (kind == HxFileKind::png) isWhole = lastBytes(file, 4096).find("IEND") != std::string::npos;
-    if (kind == HxFileKind::jpeg) isWhole = lastBytes(file, 4096).find("\xff\xd9") != std::string::npos;
-    if (!isWhole) throw HxFileError(file, std::string("the ") + hxNameOf(kind) + " file ends early");
 }
 
 void HxItkFile::write(const std::string& path, const std::string& named, HxFileKind kind,

@@ -153,11 +153,12 @@ std::string headerBytes(const std::string& target, const unsigned long* dims, Hx
                         const HxVolumeGeometry& geometry)
 {
     const HxAtomicFile oneVoxel(target, ".nii"); // never committed, so it vanishes
+    oneVoxel.checkSpace(kDataStart);
     const unsigned long one[3] = {1, 1, 1};
     const double zero = 0;
     HxItkFile::write(oneVoxel.path(), target, HxFileKind::nifti, one, type, &zero, geometry);
     std::string bytes = HxVoxelSource::firstBytes(oneVoxel.path(), kDataStart);
-    if (bytes.size() < kDataStart) oneVoxel.failIncomplete(kDataStart, "the NIfTI header cannot be written");
+    if (bytes.size() < kDataStart) throw HxFileError(target, "the NIfTI header cannot be written");
     const std::int16_t sizes[8] = {3,
                                    static_cast<std::int16_t>(dims[0]),
                                    static_cast<std::int16_t>(dims[1]),

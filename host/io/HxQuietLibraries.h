@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 /// Keeps the console free of what file libraries print while it lives: they write to the standard streams
 /// from C and C++, with no switch that silences them all. Errors reach us through their exceptions.
 ///
@@ -14,11 +12,8 @@ public:
     HxQuietLibraries(const HxQuietLibraries&) = delete;
     HxQuietLibraries& operator=(const HxQuietLibraries&) = delete;
 
-    /// Whether anything was printed so far.
-    bool heardAnything() const;
-
 private:
     int savedOut = -1;
     int savedErr = -1;
-    int collected = -1; // an unnamed file in memory
+    int nowhere = -1;
 };

@@ -4,13 +4,14 @@
 #include "io/HxFileKind.h"
 #include "io/HxItkFile.h"
 #include "io/HxNaturalOrder.h"
+#include "io/HxPictureFile.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace {
 
-std::string sizeText(const HxItkFile& file)
+std::string sizeText(const HxSliceFile& file)
 {
     std::string text = std::to_string(file.dims()[0]) + " x " + std::to_string(file.dims()[1]);
     return file.dims()[2] == 1 ? text : text + " x " + std::to_string(file.dims()[2]);
@@ -21,15 +22,20 @@ std::string sizeText(const HxItkFile& file)
 HxVolume HxSliceSeries::readStack(std::vector<std::string> files, const std::string& named)
 {
     std::sort(files.begin(), files.end(), hxNaturalLess);
-    std::vector<std::unique_ptr<HxItkFile>> slices;
-    for (const std::string& file : files)
-        slices.push_back(std::make_unique<HxItkFile>(file, hxFileKind(file)));
+    std::vector<std::unique_ptr<HxSliceFile>> slices;
+    for (const std::string& file : files) slices.push_back(open(file, hxFileKind(file)));
     return join(slices, named);
 }
 
-HxVolume HxSliceSeries::join(const std::vector<std::unique_ptr<HxItkFile>>& files, const std::string& named)
+std::unique_ptr<HxSliceFile> HxSliceSeries::open(const std::string& path, HxFileKind kind)
 {
-    const HxItkFile& first = *files.front();
+    if (kind == HxFileKind::dicom || kind == HxFileKind::tiff) return std::make_unique<HxItkFile>(path, kind);
+    return std::make_unique<HxPictureFile>(path, kind);
+}
+
+HxVolume HxSliceSeries::join(const std::vector<std::unique_ptr<HxSliceFile>>& files, const std::string& named)
+{
+    const HxSliceFile& first = *files.front();
     HxFileType type = first.type();
     for (const auto& file : files) {
         if (file->dims()[2] != 1)

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "io/HxFileKind.h"
 #include "io/HxVolume.h"
 
 #include <memory>
 #include <string>
 #include <vector>
 
-class HxItkFile;
+class HxSliceFile;
 
 /// Volumes whose slices lie in one file each.
 struct HxSliceSeries
@@ -24,7 +25,10 @@ struct HxSliceSeries
     /// throws HxFileError
     static HxVolume readStack(std::vector<std::string> files, const std::string& named);
 
+    /// A file of a kind that can be a slice. throws HxFileError
+    static std::unique_ptr<HxSliceFile> open(const std::string& path, HxFileKind kind);
+
     /// The slices in the given order, one file each; the geometry is that of the first file.
     /// throws HxFileError
-    static HxVolume join(const std::vector<std::unique_ptr<HxItkFile>>& files, const std::string& named);
+    static HxVolume join(const std::vector<std::unique_ptr<HxSliceFile>>& files, const std::string& named);
 };

@@ -196,11 +196,27 @@ void HxVoxelSource::check(const std::vector<unsigned long>& sizes, HxFileType ty
         const long long skipped = offset + (encoding == Encoding::raw ? std::max(0LL, byteSkip) : 0);
         const std::size_t found =
             static_cast<std::size_t>(std::max(0LL, static_cast<long long>(info.st_size) - skipped));
-        if (found < least)
-            fail("the header announces " + std::to_string(needed) + " bytes of voxels, but the file" +
-                 (file == header ? "" : " " + file) + " holds only " + std::to_string(found) +
-                 (encoding == Encoding::raw ? "" : " packed ones"));
+        if (found < least) failForSize(needed, needed / element, found, file);
     }
+}
+
+void HxVoxelSource::failForSize(std::size_t bytes, std::size_t count, std::size_t found,
+                                const std::string& file) const
+{
+    const std::string where = file == header ? "the file" : "the file " + file;
+    const std::string announced =
+        "the header announces " + std::to_string(encoding == Encoding::text ? count : bytes);
+    const std::string held = std::to_string(found) + " bytes";
+    switch (encoding) {
+    case Encoding::raw:
+        fail(announced + " bytes of voxels, but " + where + " holds only " + held);
+    case Encoding::deflated:
+        fail(announced + " bytes of voxels, more than the " + held + " of packed data in " + where +
+             " can hold");
+    case Encoding::text:
+        break;
+    }
+    fail(announced + " voxels, more than the " + held + " of text in " + where + " can hold");
 }
 
 void HxVoxelSource::read(void* out, std::size_t count, HxFileType type) const

@@ -49,5 +49,7 @@ struct HxVoxelSource
 private:
     std::string besideHeader(const std::string& file) const;
     void readPart(const std::string& file, char* out, std::size_t bytes, HxFileType type) const;
+    [[noreturn]] void failForSize(std::size_t bytes, std::size_t count, std::size_t found,
+                                  const std::string& file) const;
     [[noreturn]] void fail(const std::string& reason) const;
 };

@@ -13,7 +13,6 @@
 
 #include <tcl.h>
 
-#include <algorithm>
 #include <cstring>
 #include <vector>
 

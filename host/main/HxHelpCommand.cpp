@@ -1,6 +1,5 @@
 #include "main/HxHelpCommand.h"
 
-#include "hx/HxData.h"
 #include "hx/HxEditor.h"
 #include "hx/HxObjectPool.h"
 #include "hx/HxScript.h"
@@ -19,16 +18,12 @@ std::string explained(const std::string& usage, const std::string& text)
     return usage + "\n    " + text + "\n";
 }
 
-/// Everything that scripts can speak to: the pool's members and the editors that are attached to them.
+/// Everything that scripts can speak to: the pool's members and the editors.
 std::vector<const HxBase*> speakers()
 {
-    std::vector<const HxBase*> all;
-    HxObjectPool* pool = HxObjectPool::getThePool();
-    for (int i = 0; i < pool->size(); ++i) {
-        all.push_back(pool->object(i));
-        if (const HxEditor* editor = HxEditor::editorOf(dynamic_cast<HxData*>(pool->object(i))))
-            all.push_back(editor);
-    }
+    std::vector<const HxBase*> all(HxEditor::all().begin(), HxEditor::all().end());
+    const HxObjectPool* pool = HxObjectPool::getThePool();
+    for (int i = 0; i < pool->size(); ++i) all.push_back(pool->object(i));
     return all;
 }
 

@@ -8,12 +8,13 @@
 #include <cstdio>
 #include <tcl.h>
 #include <unistd.h>
+#include <utility>
 
 HxScriptShell::HxScriptShell()
     : notifier(STDIN_FILENO, QSocketNotifier::Read),
       interactive(isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
 {
-    connect(&notifier, &QSocketNotifier::activated, this, &HxScriptShell::readMore);
+    QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [this] { readMore(); });
 }
 
 int HxScriptShell::run()

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QObject>
 #include <QSocketNotifier>
 
 #include <string>
@@ -9,10 +8,8 @@
 /// input, at `quit`, and, unless a person types, at the first error.
 ///
 /// A person at a terminal gets a prompt, results and messages; input from a file or a pipe gets no echo.
-class HxScriptShell : public QObject
+class HxScriptShell
 {
-    Q_OBJECT
-
 public:
     HxScriptShell();
 

@@ -3,7 +3,6 @@
 #include "hx/HxObjectPool.h"
 #include "hx/HxPackage.h"
 #include "hx/HxResource.h"
-#include "hx/HxScriptCommands.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSubApplication.h"
 #include "hx/HxTerminalProgress.h"
@@ -62,21 +61,22 @@ int loadData(const std::string& file, McString& result)
 int runArguments(const HxCommandLine& commandLine)
 {
     HxInterpreter* interpreter = HxInterpreter::getTheInterpreter();
-    const auto failed = [interpreter](int code, const char* message) {
+    McString result;
+    const auto failed = [&](int code, const McString& message) {
         if (code != TCL_ERROR || interpreter->quitCode()) return false;
-        std::fflush(stdout);
-        std::fprintf(stderr, "%s\n", message);
+        std::fprintf(stderr, "%s\n", message.c_str());
         return true;
     };
-    McString result;
     for (const std::string& file : commandLine.files) {
         const bool script = isScript(file);
         const int code = script ? interpreter->evalFile(file.c_str(), result) : loadData(file, result);
+        // A data file fails for a reason of its own, a script somewhere in its lines.
         if (failed(code, script ? interpreter->errorText() : result)) return 1;
         if (interpreter->quitCode()) return *interpreter->quitCode();
     }
     for (const std::string& script : commandLine.scripts) {
-        if (failed(interpreter->eval(script.c_str(), result), interpreter->errorText())) return 1;
+        const int code = interpreter->eval(script.c_str(), result);
+        if (failed(code, interpreter->errorText())) return 1;
         if (interpreter->quitCode()) return *interpreter->quitCode();
     }
     return 0;

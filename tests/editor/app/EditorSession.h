@@ -3,6 +3,7 @@
 #include "app/GiQ.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
+#include "display/GiViewer.h"
 #include "hx/HxInterpreter.h"
 #include "hx/HxLabelLattice3.h"
 #include "hx/HxLatticeCoords.h"
@@ -32,6 +33,10 @@ protected:
     {
         HxObjectPool::getThePool()->clear();
         HxSubApplication::leaveRunning();
+        if (editor()) { // locks and orientations outlive the data
+            for (int i = 0; i < 256; ++i) gi()->lockTissue(i, 0);
+            for (int i = 0; i < 3; ++i) gi()->viewers[i]->setOrientation(i);
+        }
         HxMessage::getTheMsg()->setSink({});
     }
 
@@ -54,7 +59,7 @@ protected:
     void addMaterials(HxUniformLabelField3* field, int n)
     {
         for (int i = field->materials()->nBundles(); i < n; ++i)
-            field->materials()->insert(new HxParamBundle(("M" + std::to_string(i)).c_str()));
+            field->materials()->insert(new HxParamBundle(i == 0 ? "Exterior" : ("M" + std::to_string(i)).c_str()));
     }
 
     /// Runs a line; the result or the message is in `result`.

@@ -33,6 +33,7 @@ TEST_F(Lifecycle, TheImageIsNamedConnectedFoundOrTheLabelsThemselves)
 {
     const unsigned long other[3] = {5, 4, 2};
     HxUniformLabelField3* labels = addLabels("labels");
+    addMaterials(labels, 1);
     HxUniformScalarField3* wrong = addImage("wrong", 0, other);
     eval("segment labels");
     EXPECT_EQ(console, (std::vector<std::string>{"No matching image volume found.\n"}));

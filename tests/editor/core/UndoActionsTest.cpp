@@ -70,11 +70,13 @@ TEST(RunLength, EqualsThePlainRuleAndComesBack)
                      1 + static_cast<int>(seed % 11) * static_cast<int>(seed % 41));
         const Bytes stream = encoded(v.labels);
         ASSERT_EQ(stream, encodedPlainly(v.labels)) << "seed " << seed;
-        Bytes back(v.count() + 1, 77);
-        giRunLengthDecode(back.data(), stream.data());
-        ASSERT_EQ(back.back(), 77) << "written beyond the end, seed " << seed;
-        back.pop_back();
-        ASSERT_EQ(back, v.labels) << "seed " << seed;
+        for (const bool fills : {false, true}) {
+            Bytes back(v.count() + 1, 77);
+            giRunLengthDecode(back.data(), stream.data(), fills ? static_cast<long>(v.count()) : 0);
+            ASSERT_EQ(back.back(), 77) << "written beyond the end, seed " << seed;
+            back.pop_back();
+            ASSERT_EQ(back, v.labels) << "seed " << seed;
+        }
     }
 }
 

@@ -287,6 +287,7 @@ TEST_F(Transfer, ProjectedStoreMarksTheWholeDepthAndClearsUndo)
     TestEditor editor(4, 3, 5);
     editor.addMaterials(3);
     editor.lattice()->createWeights();
+    const Labels weights(editor.lattice()->getWeights(), editor.lattice()->getWeights() + editor.size());
     editor.gi.saveUndoInformationForVolume(1, 1, nullptr);
     editor.gi.lockTissue(0, 1); // locks of what is overwritten do not count here
     editor.gi.projectionMode = 1;
@@ -296,7 +297,7 @@ TEST_F(Transfer, ProjectedStoreMarksTheWholeDepthAndClearsUndo)
     for (unsigned long i = 0; i < editor.size(); ++i) {
         const bool hit = i % 4 == 2 && i / 12 == 4;
         EXPECT_EQ(editor.labels()[i], hit ? 2 : 0);
-        if (hit) EXPECT_EQ(editor.lattice()->getWeights()[i], 1);
+        EXPECT_EQ(editor.lattice()->getWeights()[i] == 1, hit || weights[i] == 1);
     }
     EXPECT_EQ(editor.gi.canUndo(), 0);
     EXPECT_FALSE(editor.gi.selection->isSet());

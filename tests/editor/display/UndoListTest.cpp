@@ -12,7 +12,7 @@ namespace {
 /// An action of a given size that counts what happens to it.
 struct FakeAction : GiAction
 {
-    FakeAction(long bytes, int& runs, int& deaths) : bytes(bytes), runs(runs), deaths(deaths) {}
+    FakeAction(long size, int& runCount, int& deathCount) : bytes(size), runs(runCount), deaths(deathCount) {}
     ~FakeAction() override { ++deaths; }
     void execute() override { ++runs; }
     long getMemSize() override { return bytes; }

@@ -76,6 +76,7 @@ TEST(HxInterpreter, AFileTellsWhereItFailed)
 
     EXPECT_EQ(tcl().evalFile("/nonexistent/x.tcl", result), TCL_ERROR);
     EXPECT_NE(std::string(result.c_str()).find("/nonexistent/x.tcl"), std::string::npos);
+    EXPECT_STREQ(tcl().errorText(), result) << "nothing is left of the error before";
 }
 
 TEST(HxInterpreter, QuitEndsAllLevelsPastCatch)

@@ -1,0 +1,48 @@
+# The program's own options, files, standard input and exit codes, each in a process of its own.
+
+# Runs the program and prints its exit code and what it says on both streams.
+proc run {title args} {
+    set code 0
+    if {[catch {exec -ignorestderr {*}$args 2>@1} text options]} {
+        set status [dict get $options -errorcode]
+        if {[lindex $status 0] eq "CHILDSTATUS"} {
+            set code [lindex $status 2]
+            set text [regsub {\nchild process exited abnormally$} $text ""]
+            if {$text eq "child process exited abnormally"} { set text "" }
+        }
+    }
+    echo "== $title: exit $code"
+    if {$text ne ""} { echo $text }
+}
+
+proc write {name text} {
+    set file [open $name w]
+    puts -nonewline $file $text
+    close $file
+}
+
+set vorel $env(VOREL)
+write good.tcl "echo good \[file tail \[info script\]\]\n"
+write bad.hx "# Hx script 1.0\nset a 1\nproc inner {} {\n  error {gone wrong}\n}\ninner\n"
+write broken.nrrd "this is no volume\n"
+
+run "unknown option" $vorel --headles
+run "missing value" $vorel --headless --eval
+run "version" $vorel --version --headless
+run "files, then texts" $vorel --headless --eval {echo first} good.tcl --eval {echo second}
+run "a dash alone and words after -- are files" $vorel --headless -- -
+run "a failing script stops the rest" $vorel --headless bad.hx good.tcl --eval {echo never}
+run "a failing text" $vorel --headless --eval {nonsense 1 2}
+run "quit passes catch" $vorel --headless --eval {catch {quit 5}; echo never} --eval {echo never}
+run "Tcl's exit is the same" $vorel --headless --eval {exit 6; echo never}
+run "a missing script" $vorel --headless missing.tcl
+run "a broken data file" $vorel --headless broken.nrrd good.tcl
+
+run "standard input" $vorel --headless << "proc p {} {\n  echo from p\n}\np\necho done"
+run "standard input stops at an error" $vorel --headless << "echo one\nfoo\necho two\n"
+run "standard input that ends too early" $vorel --headless << "echo one\nproc p \{\} \{\n"
+run "standard input may quit" $vorel --headless << "quit 9\necho never\n"
+
+run "preferences are kept in the named file" $vorel --headless --preferences p.ini --eval {preference selectionAlpha 33}
+run "and come back" $vorel --headless --preferences p.ini --eval {echo [preference selectionAlpha]}
+run "but not without it" $vorel --headless --eval {echo [preference selectionAlpha]}
