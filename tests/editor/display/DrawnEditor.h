@@ -23,6 +23,10 @@ public:
         gi.panel.setActiveViewer(gi.viewers[2]);
         gi.materials = lattice()->materials();
         gi.imageLattice = lattice();
+        // Every voxel covers as many screen pixels along each axis as the zoom factor says.
+        const float box[6] = {0, static_cast<float>(nx), 0, static_cast<float>(ny),
+                              0, static_cast<float>(nz)};
+        lattice()->coords()->setBoundingBox(box);
     }
 
     HxLabelLattice3* lattice() { return field->labelLattice(); }
@@ -33,7 +37,6 @@ public:
     {
         return *static_cast<GiMemoryFrameBuffer*>(gi.viewers[i]->getFrameBuffer());
     }
-    /// Unit voxels.
     void setVoxelSize(float x, float y, float z)
     {
         const float step[3] = {x, y, z};

@@ -52,7 +52,7 @@ TYPED_TEST(GreyImage, convertsEveryStrideAndWindow)
     using T = TypeParam;
     std::mt19937 random(99);
     std::uniform_real_distribution<double> anywhere(-300, 70000);
-    HxColormap* map = HxColormap::createStandard("perceptual");
+    const McHandle<HxColormap> map(HxColormap::createStandard("perceptual"));
     map->setUnderflow({1, 0, 0, 1});
     map->setOverflow({0, 0, 1, 1});
     GiGreyImage image;
@@ -71,7 +71,7 @@ TYPED_TEST(GreyImage, convertsEveryStrideAndWindow)
             }
             const auto min = static_cast<float>(data[20]);
             const float max = round % 5 == 0 ? min : static_cast<float>(data[30]);
-            image.setColormap(round % 2 ? map : nullptr);
+            image.setColormap(round % 2 ? map.get() : nullptr);
             image.setMaskingOverlay(round % 4 == 3);
             image.setMaskingWindow(static_cast<float>(data[10]), static_cast<float>(data[10]) + 5000);
             image.setImage(width, height, min, max, data.data(), xStep * static_cast<int>(sizeof(T)),

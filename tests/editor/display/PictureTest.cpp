@@ -181,8 +181,8 @@ TEST_P(Pictures, areThoseOfTheRules)
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryElementType, Pictures, testing::Values(0, 1, 2, 3, 4, 7, 8),
-                         [](const auto& info) {
-                             std::string name = mcElementName(info.param);
+                         [](const auto& test) {
+                             std::string name = mcElementName(test.param);
                              std::replace(name.begin(), name.end(), ' ', '_');
                              return name;
                          });
