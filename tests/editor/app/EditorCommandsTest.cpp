@@ -173,7 +173,7 @@ TEST_F(EditorCommands, CommandsOfLaterOperationsSaySo)
 {
     for (const char* line : {"gi smooth 3", "gi smoothAll 3 1", "gi fillHoles", "gi growSelection3D",
                              "gi removeIslands 10", "gi setTool 3", "gi setTool", "gi threshold 1 0",
-                             "gi newMaterial Liver", "gi deleteMaterial 1 0", "gi snapshot 0 a.png"}) {
+                             "gi newMaterial Liver", "gi deleteMaterial 1 0"}) {
         const std::string text = error(line);
         EXPECT_NE(text.find(": not available yet"), std::string::npos) << line << " -> " << text;
     }

@@ -76,7 +76,7 @@ TEST_F(ViewCommands, refuseWhatMakesNoSense)
     EXPECT_NE(error("view 0 flip 1 0").find("view N"), std::string::npos);
     EXPECT_NE(error("view 0 turn").find("unknown"), std::string::npos);
     EXPECT_NE(error("view 0 snapshot " + path("no/such/folder.png")).find("folder.png"), std::string::npos);
-    eval("remove labels");
+    HxObjectPool::getThePool()->removeObject(labels);
     EXPECT_NE(error("view 0 slice").find("no label field is open"), std::string::npos);
 }
 
@@ -106,7 +106,7 @@ TEST_F(ViewCommands, setMaxAlphaWeighsTheSelectionOfTheCurrentViewer)
 
 TEST_F(ViewCommands, aRemovedImageLeavesNoPicture)
 {
-    eval("remove labels");
+    HxObjectPool::getThePool()->removeObject(labels);
     const GiFrameBuffer& buffer = *gi()->viewers[1]->getFrameBuffer();
     for (unsigned long i = 0; i < buffer.bytesPerRow * static_cast<unsigned long>(buffer.memSize.y); ++i)
         ASSERT_EQ(buffer.memory[i], 128);
