@@ -218,14 +218,16 @@ void GiQ::clear()
     imageData = nullptr;
     labelLattice = nullptr;
     imageLattice = nullptr;
+    currentTissue = 0;
     selection->resize(0, 0, 0);
+    // The windows into the bits must shrink with them before anybody is told: listeners scan them.
+    for (int i = 0; i < viewers.size(); ++i)
+        selection->getSlice(viewers[i]->getSelection(), viewers[i]->getOrientation(), 0);
     touchData(1, 0, 0, 0, 0, 0);
     for (int i = viewers.size() - 1; i >= 0; --i) {
         if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer()) buffer->clear();
         if (GiLabelImage* labels = viewers[i]->getLabelImage()) labels->setMemory(nullptr, 0, 0);
         if (GiGreyImage* image = viewers[i]->getGreyImage()) image->clear();
-        // The window into the bits must shrink with them: undo and clear scan it at any time.
-        selection->getSlice(viewers[i]->getSelection(), viewers[i]->getOrientation(), 0);
     }
     setDataWindow(0, 255, true);
     setToolDataWindow(0, 255, true);

@@ -51,6 +51,8 @@ bool checkImage(Tcl_Interp* interp, HxData* labels, HxData* image)
     const auto* imageLattice = mcinterface_cast<HxLattice3>(image);
     const std::string name = std::string("segment: \"") + image->getLabel() + "\"";
     if (!imageLattice) return fail(interp, name + " is not an image.") == TCL_OK;
+    if (!HxGiEditor::isImageType(imageLattice->primType()))
+        return fail(interp, name + " has voxels of a type that the editor does not show.") == TCL_OK;
     if (imageLattice->numDataVars() != 1)
         return fail(interp, name + " has " + std::to_string(imageLattice->numDataVars()) +
                                 " values per voxel; an image has one.") == TCL_OK;
@@ -78,10 +80,9 @@ int segment(Tcl_Interp* interp, int count, const char* const* words)
         if (!image || !checkImage(interp, labels, image)) return TCL_ERROR;
     }
     HxGiSubApplication* application = HxGiSubApplication::instance();
-    application->editPair(labels, image);
+    application->open(labels, image);
     if (application->getEditor()->getLabelData() != labels)
         return fail(interp, std::string("segment: \"") + words[1] + "\" could not be opened.");
-    application->makeCurrent();
     Tcl_VaSetResult(interp, "%s", application->getEditor()->getLabel());
     return TCL_OK;
 }
@@ -160,6 +161,7 @@ int materialColor(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
         return fail(interp,
                     std::string("material: \"") + value + "\" is no color; give three numbers from 0 to 1.");
     material->setColor(rgb);
+    gi.labelData->touch();
     gi.materialsChanged();
     emit gi.colorChanged(gi.labelData, index);
     return TCL_OK;
@@ -173,7 +175,7 @@ int material(Tcl_Interp* interp, int count, const char* const* words)
     int index;
     if (Tcl_GetInt(interp, words[1], &index) != TCL_OK)
         return fail(interp, std::string("material: \"") + words[1] + "\" is not a number.");
-    const int n = gi->materials->nBundles();
+    const int n = std::min(gi->materials->nBundles(), 256); // a label is a byte
     if (index < 0 || index >= n)
         return fail(interp, "material: there is no material " + std::to_string(index) + "; there are " +
                                 std::to_string(n) + ", from 0.");

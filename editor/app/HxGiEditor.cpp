@@ -9,18 +9,13 @@
 #include "hx/HxObjectPool.h"
 #include "hx/HxResource.h"
 #include "hx/HxUniformLabelField3.h"
-#include "mc/McException.h"
+#include "mc/McElementType.h"
+#include "mc/McMemoryException.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace {
-
-bool isImageType(int hostType)
-{
-    return hostType == 0 || hostType == 1 || hostType == 7 || hostType == 2 || hostType == 8 ||
-           hostType == 3 || hostType == 4;
-}
 
 bool sameDims(const HxLattice& a, const HxLattice& b)
 {
@@ -95,6 +90,11 @@ void HxGiEditor::setRescaleInterceptSlope(const HxParamBundle& bundle)
     if (gi) gi->setRescaleInterceptSlope(&bundle);
 }
 
+bool HxGiEditor::isImageType(int hostType)
+{
+    return mcIsElementCode(hostType);
+}
+
 float HxGiEditor::eval(HxLattice* lattice, const McVec3i& index)
 {
     if (!lattice || !isImageType(lattice->primType())) return 0;
@@ -128,8 +128,6 @@ bool HxGiEditor::isBound(HxData* labels, HxData* image) const
 void HxGiEditor::startEditing(HxData* labels, HxData* image)
 {
     if (!gi || isBound(labels, image)) return;
-    HxGiSubApplication::instance()->checkOtherEditor(labels);
-
     Pair pair;
     pair.labels = labels;
     pair.labelLattice = mcinterface_cast<HxLabelLattice3>(labels);
@@ -139,6 +137,7 @@ void HxGiEditor::startEditing(HxData* labels, HxData* image)
                                        labels->getLabel(), side, kLargestSide);
         return;
     }
+    HxGiSubApplication::instance()->checkOtherEditor(labels);
     gi->clear();
     auto* field = dynamic_cast<HxField3*>(labels);
     if (!pair.labelLattice || !field) return;
@@ -173,7 +172,7 @@ void HxGiEditor::repairMaterials(HxParamBundle& materials, int maxLabel)
 void HxGiEditor::findImage(Pair& pair)
 {
     const auto fits = [&](HxLattice3* lattice) {
-        return lattice && isImageType(lattice->primType()) && lattice->numDataVars() == 1 &&
+        return lattice && HxGiEditor::isImageType(lattice->primType()) && lattice->numDataVars() == 1 &&
                sameDims(*lattice, *pair.labelLattice);
     };
     pair.imageLattice = mcinterface_cast<HxLattice3>(pair.image);
@@ -205,6 +204,7 @@ void HxGiEditor::bind(const Pair& pair)
     gi->initRangeSliders(pair.image, min, max);
     gi->setDataWindow(min, max, false);
     gi->materials = pair.labelLattice->materials();
+    gi->currentTissue = std::max(0, gi->materials->nBundles() - 1); // a new list stands on its last row
     void* data = holdImage(pair.imageLattice);
     gi->labelData = pair.labels;
     gi->labelLattice = pair.labelLattice;

@@ -49,6 +49,8 @@ public:
 
     HxData* getLabelData() const;
     void setRescaleInterceptSlope(const HxParamBundle& bundle);
+    /// Whether voxels of this host type can be shown and masked.
+    static bool isImageType(int hostType);
     /// First component of a voxel; 0 for a null lattice or an unknown element type.
     float eval(HxLattice* lattice, const McVec3i& index);
     /// Pins the memory of an image until the next call or stopEditing.

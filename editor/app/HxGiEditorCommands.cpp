@@ -114,7 +114,7 @@ int selectMaterial2(const Call& call)
 {
     if (call.count != 3) return call.wrongCount();
     if (makeMaterialCurrent(call) != TCL_OK) return TCL_ERROR;
-    call.gi.selectTissue(call.gi.currentTissue, kReplace, 1);
+    call.gi.selectTissue(call.gi.currentTissue, kSelectReplace, 1);
     return TCL_OK;
 }
 
@@ -122,7 +122,7 @@ int subtractMaterial2(const Call& call)
 {
     if (call.count != 3) return call.consoleError("Usage: subtractMaterial2 idx");
     if (makeMaterialCurrent(call) != TCL_OK) return TCL_ERROR;
-    call.gi.selectTissue(call.gi.currentTissue, kSubtract, 1);
+    call.gi.selectTissue(call.gi.currentTissue, kSelectSubtract, 1);
     return TCL_OK;
 }
 

@@ -80,7 +80,10 @@ McTypeId HxGiSubApplication::getTypeId() const
 
 void HxGiSubApplication::onStart()
 {
-    startEditing(nullptr, nullptr);
+    if (labelsToOpen)
+        editPair(labelsToOpen, imageToOpen);
+    else
+        startEditing(nullptr, nullptr);
     HxSubApplication::onStart();
 }
 
@@ -109,7 +112,20 @@ void HxGiSubApplication::startEditing(HxData* data, HxGiEditor* attached)
 void HxGiSubApplication::editPair(HxData* labels, HxData* image)
 {
     ensureEditor();
+    if (!image && ownEditor->getLabelData() == labels) image = ownEditor->getGi()->imageData;
     ownEditor->startEditing(labels, image);
+}
+
+void HxGiSubApplication::open(HxData* labels, HxData* image)
+{
+    if (running() == this) {
+        editPair(labels, image);
+        return;
+    }
+    labelsToOpen = labels;
+    imageToOpen = image;
+    makeCurrent();
+    labelsToOpen = imageToOpen = nullptr;
 }
 
 void HxGiSubApplication::stopEditing(HxGiEditor* attached)

@@ -22,8 +22,9 @@ public:
     /// Picks the pair for `data` and binds it; null data means the present pair or what the pool
     /// offers. `attached` is the editor that the host attached to the data, if any.
     void startEditing(HxData* data, HxGiEditor* attached);
-    /// Binds exactly this pair; a null image is searched for.
-    void editPair(HxData* labels, HxData* image);
+    /// Enters the mode with exactly this pair. A null image stands for the present one, if these are
+    /// the present labels, else for the one that is found.
+    void open(HxData* labels, HxData* image);
     void stopEditing(HxGiEditor* attached);
     /// Chooses label field and image for `data` and starts the editing, if there is a label field.
     void initDataSets(HxData* data);
@@ -36,9 +37,12 @@ private:
     HxGiSubApplication();
 
     void ensureEditor();
+    void editPair(HxData* labels, HxData* image);
     HxRegScalarField3* chooseLabels(HxData* data) const;
     HxRegScalarField3* chooseImage(HxData* data, HxRegScalarField3* labels) const;
 
+    HxData* labelsToOpen = nullptr; // the pair that `open` was asked for, only while it runs
+    HxData* imageToOpen = nullptr;
     McHandle<HxGiEditor> ownEditor;
     McHandle<HxGiEditor> attachedEditor;
 };

@@ -1,5 +1,6 @@
 #include "core/Gi.h"
 
+#include "hx/HxField3.h"
 #include "hx/HxLabelLattice3.h"
 #include "hx/HxLatticeCoords.h"
 #include "hx/HxParamBundle.h"
@@ -154,8 +155,13 @@ void Gi::setRescaleInterceptSlope(const HxParamBundle* bundle)
     // kept: natural, not decimal, logarithm. It shows a digit more than the scale would need, which
     // is what people read neighbouring values apart by.
     const double digits = std::floor(std::log(1.0 / dataWindowScale));
-    // A scale of 0 or below has no logarithm; it gets no digits rather than an undefined number.
+    // A negative scale has no logarithm; it gets no digits rather than an undefined number.
     dataDigits = std::isnan(digits) ? 0 : static_cast<int>(std::clamp(digits, 0.0, 4.0));
+}
+
+void Gi::markLabelRangeStale()
+{
+    if (auto* field = dynamic_cast<HxField3*>(labelData)) field->touchMinMax(0, -1, 0);
 }
 
 void Gi::touchData(int, int, int, int, int, int) {}

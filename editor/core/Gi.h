@@ -54,7 +54,7 @@ public:
 
     /// Window of the grey display. `redraw` false: only stored.
     virtual void setDataWindow(float min, float max, bool redraw) = 0;
-    /// Window of the tools and of masking; cut to integers unless the image is float or double.
+    /// Window of the tools and of masking; cut to integers over an image of whole numbers.
     virtual void setToolDataWindow(float min, float max, bool redraw) = 0;
     virtual void setToolDataWindowMarker(float value) = 0;
     virtual void clearToolDataWindowMarker() = 0;
@@ -238,6 +238,9 @@ private:
     void resetMaterialColors();
     void computeCoordinateDigits();
     void showMiddleSlices(const unsigned long* dims);
+    /// For changes of labels that are not announced by touchData: the next question for the range of
+    /// values must not get an old answer.
+    void markLabelRangeStale();
     void dropActions(McDArray<GiAction*>& actions);
     void trimUndo();
     void saveSliceSelection(int slice, int orientation, class GiMultiAction& snapshot);

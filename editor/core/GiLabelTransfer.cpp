@@ -42,7 +42,7 @@ struct Histogram
 template <class Step>
 void forEachChunk(unsigned long n, int threads, const Step& step)
 {
-    const auto parts = static_cast<unsigned long>(std::max(1, threads));
+    const auto parts = std::clamp(static_cast<unsigned long>(std::max(1, threads)), 1ul, std::max(1ul, n));
     const unsigned long chunk = (n + parts - 1) / parts;
 #pragma omp parallel for num_threads(static_cast <int>(parts)) schedule(static, 1)
     for (unsigned long part = 0; part < parts; ++part) {

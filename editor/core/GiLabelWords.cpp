@@ -26,24 +26,6 @@ Test testFor(const GiLabelSet& set)
     return size == 256 ? Test::all : size == 1 ? Test::one : Test::set;
 }
 
-void writePlain(const unsigned int* words, unsigned long first, unsigned long end, unsigned char* labels,
-                const GiLabelSet& changeable, unsigned char value)
-{
-    const bool all = testFor(changeable) == Test::all;
-    for (unsigned long i = first; i < end; ++i) {
-        unsigned int word = words[i];
-        unsigned char* const at = labels + i * kWord;
-        if (word == ~0u && all) {
-            std::memset(at, value, kWord);
-            continue;
-        }
-        for (; word; word &= word - 1) {
-            unsigned char& label = at[std::countr_zero(word)];
-            if (changeable.contains(label)) label = value;
-        }
-    }
-}
-
 template <class Combine>
 void matchPlain(unsigned int* words, unsigned long first, unsigned long end, const unsigned char* labels,
                 unsigned char value, const Combine& combine)
@@ -196,7 +178,7 @@ void giWriteWords(const unsigned int* words, unsigned long first, unsigned long 
         }
     }
 #endif
-    writePlain(words, first, end, labels, changeable, value);
+    giWriteWordsPlain(words, first, end, labels, changeable, value);
 }
 
 void giMatchWords(unsigned int* words, unsigned long first, unsigned long end, const unsigned char* labels,
@@ -205,6 +187,30 @@ void giMatchWords(unsigned int* words, unsigned long first, unsigned long end, c
 #if defined(GI_HAS_AVX2)
     if (hasAvx2()) return matchAvx2(words, first, end, labels, value, mode);
 #endif
+    giMatchWordsPlain(words, first, end, labels, value, mode);
+}
+
+void giWriteWordsPlain(const unsigned int* words, unsigned long first, unsigned long end,
+                       unsigned char* labels, const GiLabelSet& changeable, unsigned char value)
+{
+    const bool all = testFor(changeable) == Test::all;
+    for (unsigned long i = first; i < end; ++i) {
+        unsigned int word = words[i];
+        unsigned char* const at = labels + i * kWord;
+        if (word == ~0u && all) {
+            std::memset(at, value, kWord);
+            continue;
+        }
+        for (; word; word &= word - 1) {
+            unsigned char& label = at[std::countr_zero(word)];
+            if (changeable.contains(label)) label = value;
+        }
+    }
+}
+
+void giMatchWordsPlain(unsigned int* words, unsigned long first, unsigned long end,
+                       const unsigned char* labels, unsigned char value, int mode)
+{
     using Bits = unsigned int;
     if (mode == kLabelsReplace)
         matchPlain(words, first, end, labels, value, [](Bits, Bits equal) { return equal; });

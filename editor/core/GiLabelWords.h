@@ -30,3 +30,9 @@ constexpr int kLabelsReplace = 2;
 /// them, kLabelsAdd adds them, any other mode takes them away.
 void giMatchWords(unsigned int* words, unsigned long first, unsigned long end, const unsigned char* labels,
                   unsigned char value, int mode);
+
+/// The same on processors without AVX2.
+void giWriteWordsPlain(const unsigned int* words, unsigned long first, unsigned long end,
+                       unsigned char* labels, const GiLabelSet& changeable, unsigned char value);
+void giMatchWordsPlain(unsigned int* words, unsigned long first, unsigned long end,
+                       const unsigned char* labels, unsigned char value, int mode);

@@ -67,6 +67,8 @@ void GiModifySelection::execute()
 {
     if (!selection) return;
     if (wholeVolume) {
+        // The bits are given away below; a second run has nothing to restore.
+        if (savedBits.numBits() != selection->numBits()) return;
         selection->copyFrom(savedBits);
         savedBits.resize(0);
         return;

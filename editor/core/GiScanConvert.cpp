@@ -2,6 +2,7 @@
 
 #include "mc/McBox.h"
 #include "mc/McMemory.h"
+#include "mc/McMemoryException.h"
 
 #include <algorithm>
 #include <cmath>
@@ -109,7 +110,11 @@ template <class Report>
 void concave(int n, const McVec2f* polygon, const McBox2i& window, const Report& report)
 {
     if (n < 1 || !allFinite(n, polygon)) return;
-    PolygonScan(n, polygon, window).run(report);
+    try {
+        PolygonScan(n, polygon, window).run(report);
+    } catch (const std::bad_alloc&) {
+        throw McMemoryException(static_cast<unsigned long>(n) * sizeof(ActiveEdge));
+    }
 }
 
 } // namespace

@@ -60,9 +60,11 @@ void GiSelection2D::resize(int newWidth, int newHeight)
     const auto w = static_cast<unsigned long>(newWidth);
     const auto h = static_cast<unsigned long>(newHeight);
     if (w == width && h == height) return;
+    // If the memory cannot be had this is an empty selection, not a wide one without bits.
+    width = height = 0;
+    bits = &localBits;
     localBits.resize(w * h);
     localBits.unsetAll();
-    bits = &localBits;
     width = w;
     height = h;
     offset = 0;
@@ -186,7 +188,12 @@ void GiSelection2D::setSelection(int n, const McVec2f* polygon, SelectMode mode,
 {
     if (mask.numBits() != width * height) return;
     maskBits = &mask;
-    setSelection(n, polygon, mode);
+    try {
+        setSelection(n, polygon, mode);
+    } catch (...) {
+        maskBits = nullptr; // the mask is the caller's and may be gone at the next call
+        throw;
+    }
     maskBits = nullptr;
 }
 

@@ -1,13 +1,13 @@
 #include "core/GiThickestSlices.h"
 
 #include "core/GiBusy.h"
+#include "mc/McDArray.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace {
 
-using Counts = std::vector<unsigned int>;
+using Counts = McDArray<unsigned int>;
 
 int firstLargest(const Counts& counts)
 {
@@ -19,15 +19,15 @@ int firstLargest(const Counts& counts)
 GiThickestSlices giThickestSlices(const unsigned char* labels, const unsigned long* dims, int label)
 {
     GiBusy busy;
-    const unsigned long X = dims[0], Y = dims[1], Z = dims[2];
+    const int X = static_cast<int>(dims[0]), Y = static_cast<int>(dims[1]), Z = static_cast<int>(dims[2]);
     GiThickestSlices best;
     if (X == 0 || Y == 0 || Z == 0) return best;
 
     Counts nx(X), ny(Y), nz(Z);
-    for (unsigned long z = 0; z < Z; ++z) {
-        for (unsigned long y = 0; y < Y; ++y, labels += X) {
+    for (int z = 0; z < Z; ++z) {
+        for (int y = 0; y < Y; ++y, labels += X) {
             unsigned int inRow = 0;
-            for (unsigned long x = 0; x < X; ++x) {
+            for (int x = 0; x < X; ++x) {
                 const unsigned int hit = labels[x] == label;
                 nx[x] += hit;
                 inRow += hit;
@@ -39,6 +39,6 @@ GiThickestSlices giThickestSlices(const unsigned char* labels, const unsigned lo
     best.slice[0] = firstLargest(nx);
     best.slice[1] = firstLargest(ny);
     best.slice[2] = firstLargest(nz);
-    best.found = nx[static_cast<unsigned long>(best.slice[0])] > 0;
+    best.found = nx[best.slice[0]] > 0;
     return best;
 }

@@ -5,6 +5,7 @@
 #include "core/GiModifyLabel.h"
 #include "core/GiModifySelection.h"
 #include "core/GiMultiAction.h"
+#include "core/GiOrientation.h"
 #include "hx/HxLabelLattice3.h"
 #include "mc/McRawData2D.h"
 
@@ -17,7 +18,7 @@ constexpr unsigned int kSliceFlags = 3u;
 
 void Gi::saveSliceSelection(int slice, int orientation, GiMultiAction& snapshot)
 {
-    if (!selection || selection->numBits() == 0) return;
+    if (!selection || selection->numBits() == 0 || orientation != giSliceAxis(orientation)) return;
     // Whatever is drawn into an interpolated slice makes it a key slice.
     McDArray<unsigned int>& flags = selection->sliceFlags[orientation];
     if (slice >= 0 && slice < flags.size()) flags[slice] &= ~kSliceFlags;
@@ -103,6 +104,7 @@ void Gi::undo()
         // kept: an undone action is gone, redo does not get it. A snapshot holds one state only,
         // and a second snapshot for the way forward would double the cost of every undo.
         newest->unref();
+        markLabelRangeStale();
     }
     updateSelectionBoxes();
     redraw();
@@ -114,6 +116,7 @@ void Gi::redo()
     if (redoActions.size() > 0) {
         GiAction* newest = redoActions.last();
         newest->execute();
+        markLabelRangeStale();
         redraw();
         redoActions.pop();
         undoActions.append(newest);

@@ -6,6 +6,7 @@
 #include "hx/HxParamBundle.h"
 
 #include <algorithm>
+#include <cstring>
 
 GiLabelImage::GiLabelImage(int* locked, Gi* owner) : gi(owner)
 {
@@ -40,6 +41,14 @@ void GiLabelImage::resize(int width, int height)
     view.memory = view.prob = view.prob2 = nullptr;
 }
 
+void GiLabelImage::clear()
+{
+    const unsigned long n = view.width * view.height;
+    if (view.memory) std::memset(view.memory, 0, n);
+    if (view.prob) std::memset(view.prob, 255, n);
+    if (view.prob2) std::memset(view.prob2, 255, n);
+}
+
 void GiLabelImage::setColor(Gi* gi, int index, int r, int g, int b)
 {
     gi->materialColors[index][0] = static_cast<unsigned char>(r);
@@ -60,8 +69,10 @@ void GiLabelImage::setColor(Gi* gi, HxParamBundle& materials)
             rgb[1] = color.g;
             rgb[2] = color.b;
         }
-        setColor(gi, i, static_cast<int>(rgb[0] * 255), static_cast<int>(rgb[1] * 255),
-                 static_cast<int>(rgb[2] * 255));
+        const auto byte = [](float component) {
+            return static_cast<int>(std::clamp(component, 0.0f, 1.0f) * 255);
+        };
+        setColor(gi, i, byte(rgb[0]), byte(rgb[1]), byte(rgb[2]));
     }
 }
 

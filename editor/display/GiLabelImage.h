@@ -32,6 +32,10 @@ public:
     /// Nothing if the size is the same; else the memory is forgotten until it is set again.
     void resize(int width, int height);
 
+    /// Zeroes width x height bytes from the memory on and writes 255 into the weights. For a slice
+    /// with memory of its own; in a view of the volume the bytes are not those of the slice.
+    void clear();
+
     static void setColor(Gi* gi, int index, int r, int g, int b);
     /// Fills all 256 colours of the editor: a material's own colour, else the default of its name,
     /// green beyond the bundle.

@@ -11,6 +11,7 @@
 #include "hx/HxMessage.h"
 #include "hx/HxParamBundle.h"
 #include "hx/HxSettingsMgr.h"
+#include "mc/McMemoryException.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ unsigned long voxelCount(const HxLabelLattice3& lattice)
 
 void Gi::storeSelection(int tissue, int in3D, int clearAfter)
 {
-    if (locked[tissue & 255] || !labelLattice) return;
+    if (!labelLattice || tissue < 0 || tissue > 255 || locked[tissue]) return;
     if (projectionMode) {
         storeProjected(tissue);
     } else if (in3D) {
@@ -42,6 +43,7 @@ void Gi::storeSelection(int tissue, int in3D, int clearAfter)
     } else if (GiViewer* viewer = getCurrentViewer()) {
         saveUndoInformationForSlice(1, 1, nullptr);
         viewer->getLabelImage()->addSelection(viewer->getSelection(), tissue);
+        markLabelRangeStale();
         if (clearAfter) {
             McBox2i cleared;
             viewer->getSelection()->clear(cleared);
@@ -83,6 +85,7 @@ void Gi::storeProjected(int tissue)
     }
     pixels->clear();
     clearModifiedFlags();
+    markLabelRangeStale();
 }
 
 void Gi::printLocked(const char* format, int tissue) const
@@ -187,9 +190,16 @@ void Gi::replaceVolume(int tissue)
     saveUndoInformationForVolume(1, 1, nullptr);
     giMarkPieces(selection->bits, labelLattice->getLabels(), labelLattice->dims(), tissue, region);
     subtractSelection3D(region, tissue);
-    // kept: storing makes an undo step of its own, so this operation leaves two; each is a state
-    // that the user has seen by name.
-    storeSelection(tissue, 1, 1);
+    try {
+        // kept: storing makes an undo step of its own, so this operation leaves two; each is a state
+        // that the user has seen by name.
+        storeSelection(tissue, 1, 1);
+    } catch (const McMemoryException&) {
+        // The first half has changed labels; whoever shows them must know before the error is told.
+        touchData(1, 1, 0, -1, 0, 0);
+        redraw();
+        throw;
+    }
 }
 
 void Gi::clearVolumeSelection()

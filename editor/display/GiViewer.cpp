@@ -2,6 +2,7 @@
 
 #include "core/Gi.h"
 #include "core/GiMask.h"
+#include "core/GiOrientation.h"
 #include "display/GiFrameBuffer.h"
 #include "hx/HxLabelLattice3.h"
 
@@ -112,7 +113,7 @@ void GiViewer::setupCoordinateSystem()
     const int dims[3] = {static_cast<int>(sides[0]), static_cast<int>(sides[1]), static_cast<int>(sides[2])};
     McVec2i sizes[3];
     computeZoomedSizes(zoomFactor, dims, coords->boundingBox(), 1, sizes);
-    const McVec2i zoomed = sizes[orientation == 1 || orientation == 2 ? orientation : 0];
+    const McVec2i zoomed = sizes[giSliceAxis(orientation)];
 
     replicX.resize(size[0]);
     replicY.resize(size[1]);

@@ -2,9 +2,9 @@
 // parts of them a change touches.
 
 #include "core/Gi.h"
-#include "core/GiLabelTransfer.h"
 #include "core/GiMask.h"
 #include "core/GiMultiAction.h"
+#include "core/GiOrientation.h"
 #include "core/GiThickestSlices.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiGreyImage.h"
@@ -79,7 +79,7 @@ void Gi::resetMaterialColors()
 void Gi::showMiddleSlices(const unsigned long* dims)
 {
     for (int i = 0; i < viewers.size(); ++i) {
-        const unsigned long n = dims[viewers[i]->getOrientation()];
+        const unsigned long n = dims[giSliceAxis(viewers[i]->getOrientation())];
         viewers[i]->setSlice(n > 0 ? static_cast<int>((n - 1) / 2) : 0, false);
     }
 }
@@ -176,7 +176,7 @@ void Gi::locateTissue(int tissue)
         return;
     }
     for (int i = 0; i < viewers.size(); ++i)
-        viewers[i]->setSlice(best.slice[viewers[i]->getOrientation()], true);
+        viewers[i]->setSlice(best.slice[giSliceAxis(viewers[i]->getOrientation())], true);
 }
 
 void Gi::zoomIn()
@@ -245,7 +245,7 @@ void Gi::projectBox(GiViewer* source, GiViewer* target, const McBox2i& box, McBo
     const int s = source->getSlice();
     int low[3], high[3];
     const auto axesOf = [](int orientation, int axes[3]) { // of width, height and depth
-        const int o = orientation == 1 || orientation == 2 ? orientation : 0;
+        const int o = giSliceAxis(orientation);
         axes[0] = o == 0 ? 1 : 0;
         axes[1] = o == 2 ? 1 : 2;
         axes[2] = o;

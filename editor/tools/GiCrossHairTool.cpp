@@ -25,8 +25,7 @@ constexpr unsigned char kAxisColor[3][3] = {{0, 0, 255}, {0, 255, 0}, {255, 0, 0
 
 int orientationOf(const GiFrameBuffer& frameBuffer)
 {
-    const int o = frameBuffer.viewer ? frameBuffer.viewer->getOrientation() : 0;
-    return o == 1 || o == 2 ? o : 0;
+    return frameBuffer.viewer ? giSliceAxis(frameBuffer.viewer->getOrientation()) : 0;
 }
 
 void setColor(GiFrameBuffer& frameBuffer, int axis)

@@ -25,10 +25,10 @@ int callCommand(ClientData data, Tcl_Interp* interp, int wordCount, const char* 
         // The copy keeps a command alive that replaces itself.
         const HxScriptCommands::Proc proc = entry->proc;
         return proc(interp, wordCount, words);
-    } catch (const McException& exception) {
-        Tcl_VaSetResult(interp, "%s: %s", words[0], exception.what());
     } catch (const std::bad_alloc&) {
         Tcl_VaSetResult(interp, "%s: Not enough memory.", words[0]);
+    } catch (const std::exception& exception) {
+        Tcl_VaSetResult(interp, "%s: %s", words[0], exception.what());
     }
     return TCL_ERROR;
 }

@@ -1,6 +1,7 @@
 #include "hx/HxSettingsMgr.h"
 
 #include "hx/HxMessage.h"
+#include "mc/McThreads.h"
 
 #include <QSettings>
 #include <QStandardPaths>
@@ -26,6 +27,7 @@ void HxSettingsMgr::setPreferences(const HxPreferences& now, bool notify)
     const HxPreferences old = preferences;
     const HxPreferences current = now; // `now` may be our own record, which a listener may replace
     preferences = current;
+    mcSetNumThreads(numThreads());
     changed = true;
     if (!notify) return;
     write();
@@ -34,7 +36,8 @@ void HxSettingsMgr::setPreferences(const HxPreferences& now, bool notify)
 
 int HxSettingsMgr::numThreads() const
 {
-    return std::max(1, preferences.numThreads);
+    constexpr int kMost = 256; // more threads than any machine of today has cores only cost memory
+    return std::clamp(preferences.numThreads, 1, kMost);
 }
 
 QRect HxSettingsMgr::getGeometry(const char* key) const
@@ -96,8 +99,13 @@ void HxSettingsMgr::read()
     preferences = HxPreferences();
     geometries.clear();
     changed = false;
-    if (storePath.isEmpty()) return;
+    if (!storePath.isEmpty()) readStore();
+    // The parallel loops of the layer below know no settings; they are told.
+    mcSetNumThreads(numThreads());
+}
 
+void HxSettingsMgr::readStore()
+{
     QSettings store(storePath, QSettings::IniFormat);
     if (store.status() != QSettings::NoError)
         HxMessage::getTheMsg()->printf("%s: not a preferences file, starting from defaults.",

@@ -55,6 +55,7 @@ private:
     HxSettingsMgr() = default;
 
     void read();
+    void readStore();
 
     HxPreferences preferences;
     std::map<std::string, QRect> geometries;

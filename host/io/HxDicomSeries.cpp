@@ -124,6 +124,7 @@ double sidewaysShift(const Series& series)
 HxVolume HxSliceSeries::readDicom(const std::vector<std::string>& files, const std::string& named,
                                   std::vector<std::string>& warnings)
 {
+    probeDicom(files);
     std::map<std::string, Series> all;
     for (const std::string& path : files) {
         auto file = std::make_unique<HxItkFile>(path, HxFileKind::dicom);

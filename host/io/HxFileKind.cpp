@@ -34,8 +34,9 @@ HxFileKind hxFileKind(const std::string& path)
         if (has(0, magic)) return HxFileKind::tiff;
     if (has(0, "BM")) return HxFileKind::bmp;
     if (isMetaHeader(start)) return HxFileKind::meta;
-    // Old files lack the DICOM preamble; only the library can tell them.
-    return HxItkFile::isDicom(path) ? HxFileKind::dicom : HxFileKind::unknown;
+    // Old files lack the DICOM preamble and begin with an element of group 2 or 8; only the library can tell.
+    const bool mayBeDicom = has(0, "\2\0"sv) || has(0, "\10\0"sv);
+    return mayBeDicom && HxItkFile::isDicom(path) ? HxFileKind::dicom : HxFileKind::unknown;
 }
 
 const char* hxNameOf(HxFileKind kind)

@@ -2,6 +2,7 @@
 
 #include "io/HxDicomPixels.h"
 #include "io/HxFileError.h"
+#include "io/HxLibraryProbe.h"
 #include "io/HxQuietLibraries.h"
 #include "io/HxTiffPages.h"
 
@@ -144,7 +145,12 @@ HxItkFile::~HxItkFile() = default;
 bool HxItkFile::isDicom(const std::string& path)
 {
     bool is = false;
-    guarded(path, "cannot be read", [&] { is = itk::GDCMImageIO::New()->CanReadFile(path.c_str()); });
+    const auto ask = [&](int) {
+        guarded(path, "cannot be read", [&] { is = itk::GDCMImageIO::New()->CanReadFile(path.c_str()); });
+    };
+    constexpr std::size_t kExtraBytes = std::size_t(256) << 20;
+    if (HxLibraryProbe::firstFailure(1, kExtraBytes, ask)) return false;
+    ask(0);
     return is;
 }
 

@@ -3,11 +3,13 @@
 #include "io/HxFileError.h"
 #include "io/HxFileKind.h"
 #include "io/HxItkFile.h"
+#include "io/HxLibraryProbe.h"
 #include "io/HxNaturalOrder.h"
 #include "io/HxPictureFile.h"
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 namespace {
 
@@ -15,6 +17,17 @@ std::string sizeText(const HxSliceFile& file)
 {
     std::string text = std::to_string(file.dims()[0]) + " x " + std::to_string(file.dims()[1]);
     return file.dims()[2] == 1 ? text : text + " x " + std::to_string(file.dims()[2]);
+}
+
+// Packed pixels grow to some tens of times of the file; a file that asks for more is damaged.
+std::size_t memoryFor(const std::vector<std::string>& files)
+{
+    constexpr std::size_t kLeast = std::size_t(256) << 20;
+    constexpr std::size_t kGrowth = 64;
+    std::size_t largest = 0;
+    for (const std::string& file : files)
+        largest = std::max<std::size_t>(largest, std::filesystem::file_size(file));
+    return kLeast + kGrowth * largest;
 }
 
 } // namespace
@@ -27,8 +40,24 @@ HxVolume HxSliceSeries::readStack(std::vector<std::string> files, const std::str
     return join(slices, named);
 }
 
+void HxSliceSeries::probeDicom(const std::vector<std::string>& files)
+{
+    const auto readOne = [&](int i) {
+        HxItkFile(files[static_cast<std::size_t>(i)], HxFileKind::dicom).read();
+    };
+    const auto failure =
+        HxLibraryProbe::firstFailure(static_cast<int>(files.size()), memoryFor(files), readOne);
+    if (!failure) return;
+    const std::string& file = files[static_cast<std::size_t>(failure->call)];
+    const std::string named = file + ": ";
+    if (failure->text.size() <= named.size() + 1 || failure->text.compare(0, named.size(), named) != 0)
+        throw HxFileError(file, "the DICOM file is damaged");
+    throw HxFileError(file, failure->text.substr(named.size(), failure->text.size() - named.size() - 1));
+}
+
 std::unique_ptr<HxSliceFile> HxSliceSeries::open(const std::string& path, HxFileKind kind)
 {
+    if (kind == HxFileKind::dicom) probeDicom({path});
     if (kind == HxFileKind::dicom || kind == HxFileKind::tiff) return std::make_unique<HxItkFile>(path, kind);
     return std::make_unique<HxPictureFile>(path, kind);
 }

@@ -21,6 +21,9 @@ struct HxSliceSeries
     static HxVolume readDicom(const std::vector<std::string>& files, const std::string& named,
                               std::vector<std::string>& warnings);
 
+    /// Tries in a child process whether the library can read the files, and survives. throws HxFileError
+    static void probeDicom(const std::vector<std::string>& files);
+
     /// Flat images of one size, in natural order of their names, 1 apart.
     /// throws HxFileError
     static HxVolume readStack(std::vector<std::string> files, const std::string& named);

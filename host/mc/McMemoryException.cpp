@@ -1,6 +1,8 @@
 #include "mc/McMemoryException.h"
 
-McMemoryException::McMemoryException(unsigned long size)
-    : McException(("Not enough memory (" + std::to_string(size) + " bytes).").c_str()), bytes(size)
+#include <cstdio>
+
+McMemoryException::McMemoryException(unsigned long size) : McException(""), bytes(size)
 {
+    std::snprintf(text, sizeof text, "Not enough memory (%lu bytes).", size);
 }

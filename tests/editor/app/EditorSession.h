@@ -59,7 +59,8 @@ protected:
     void addMaterials(HxUniformLabelField3* field, int n)
     {
         for (int i = field->materials()->nBundles(); i < n; ++i)
-            field->materials()->insert(new HxParamBundle(i == 0 ? "Exterior" : ("M" + std::to_string(i)).c_str()));
+            field->materials()->insert(
+                new HxParamBundle(i == 0 ? "Exterior" : ("M" + std::to_string(i)).c_str()));
     }
 
     /// Runs a line; the result or the message is in `result`.

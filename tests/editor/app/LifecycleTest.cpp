@@ -5,6 +5,12 @@
 
 #include "display/GiViewer.h"
 
+/// A field with several values per voxel.
+struct VectorField : HxRegScalarField3
+{
+    explicit VectorField(HxLattice3* lattice) : HxRegScalarField3(lattice) {}
+};
+
 class Lifecycle : public EditorSession
 {
 };
@@ -61,16 +67,23 @@ TEST_F(Lifecycle, TheImageIsNamedConnectedFoundOrTheLabelsThemselves)
     labels->imageConnection().connect(wrong);
     editor()->stopEditing();
     eval("segment labels");
-    EXPECT_NE(gi()->imageData, wrong);
+    EXPECT_EQ(gi()->imageData, first) << "no image has the name in the parameter: the first that fits";
 }
 
 TEST_F(Lifecycle, ComplexAndForeignFieldsAreNoImages)
 {
     HxUniformLabelField3* labels = addLabels("labels");
     addLabels("otherLabels");
+    auto* memory = static_cast<float*>(std::calloc(2 * 60, sizeof(float)));
+    auto* field = new VectorField(new HxLattice3(kDims, 2, 3, 1, memory, true));
+    field->setLabel("vectors");
+    HxObjectPool::getThePool()->addObject(field);
     eval("segment labels");
-    EXPECT_EQ(gi()->imageData, labels) << "another label field is no image";
-    EXPECT_NE(error("segment labels otherLabels nonsense").find("segment LABELS"), std::string::npos);
+    EXPECT_EQ(gi()->imageData, labels) << "neither other labels nor vectors are found as image";
+    EXPECT_EQ(error("segment labels vectors"),
+              "segment: \"vectors\" has 2 values per voxel; an image has one.");
+    eval("segment labels otherLabels");
+    EXPECT_STREQ(gi()->imageData->getLabel(), "otherLabels") << "but what is named is taken";
 }
 
 TEST_F(Lifecycle, TheSamePairAgainKeepsSelectionAndUndo)
@@ -82,10 +95,42 @@ TEST_F(Lifecycle, TheSamePairAgainKeepsSelectionAndUndo)
     eval("gi invertSelection 3d");
     EXPECT_EQ(gi()->undoActions.size(), 1);
     eval("segment labels image");
+    eval("segment labels");
     HxGiSubApplication::instance()->onStart();
     EXPECT_EQ(gi()->undoActions.size(), 1);
     EXPECT_EQ(eval("gi isVoxelSelected 1 1 1"), "0");
     EXPECT_EQ(eval("gi isVoxelSelected 0 1 1"), "1");
+}
+
+TEST_F(Lifecycle, LabelsThatAreNamedAsTheirOwnImageStaySo)
+{
+    HxUniformLabelField3* labels = addLabels("labels");
+    addImage("image");
+    eval("segment labels labels");
+    EXPECT_EQ(gi()->imageData, labels);
+}
+
+TEST_F(Lifecycle, TheLastMaterialIsCurrentAfterOpening)
+{
+    HxUniformLabelField3* labels = addLabels("labels");
+    addMaterials(labels, 5);
+    HxUniformLabelField3* few = addLabels("few");
+    addMaterials(few, 2);
+    eval("segment labels; gi selectMaterial 3");
+    eval("segment few; gi invertSelection 3d; gi add 3d");
+    EXPECT_EQ(eval("few count 1"), "60");
+}
+
+TEST_F(Lifecycle, UndoBringsTheRangeOfTheLabelsBack)
+{
+    HxUniformLabelField3* labels = addLabels("labels");
+    addMaterials(labels, 5);
+    labels->labelLattice()->getLabels()[5] = 4;
+    labels->touchMinMax(0, -1, 0);
+    eval("segment labels; gi selectMaterial 0; gi invertSelection 3d; gi add 3d");
+    EXPECT_EQ(eval("labels range"), "0 0");
+    eval("gi undo");
+    EXPECT_EQ(eval("labels range"), "0 4");
 }
 
 TEST_F(Lifecycle, RemovedAndReshapedDataLeaveNoStalePointer)

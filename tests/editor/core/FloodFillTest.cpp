@@ -1,5 +1,6 @@
 #include "RandomVolume.h"
 #include "core/mcFloodFill.h"
+#include "hx/HxMessage.h"
 
 #include <gtest/gtest.h>
 
@@ -151,6 +152,20 @@ TEST(FloodFill3D, SidesBeyondSixteenBits)
     EXPECT_EQ(mcFloodFill3D_Progress(data, checker, progress, 5, 0, 0, marks, nullptr), 0u);
 }
 
+TEST(FloodFill3D, RunsOnASelectionToo)
+{
+    RandomVolume v(33, 9, 8, 6);
+    GiSelection3D selection;
+    selection.resize(33, 9, 8);
+    v.drawSelection(selection.bits);
+    const unsigned long seed = v.index(16, 4, 4);
+    selection.set(seed);
+    McEqualityChecker<unsigned char> isSelected(1);
+    McBitfield marks;
+    mcFloodFill3D(selection, isSelected, 16, 4, 4, marks, nullptr);
+    EXPECT_EQ(asVector(marks), v.region(seed, [&](unsigned long i) { return selection.isSet(i); }));
+}
+
 TEST(FloodFill2D, EqualsAPlainSearchInEveryOrientation)
 {
     RandomVolume v(41, 23, 19, 3);
@@ -239,6 +254,22 @@ TEST(FillSelection, HolesAndRegions)
     column.set(0, 2);
     column.fillSelection(-1, -1, 0);
     EXPECT_EQ(column.selectionBox, McBox2i(0, 2, 0, 2));
+}
+
+TEST(FillSelection, MissingMemoryIsReportedAndChangesNothing)
+{
+    McBitfield bits(64);
+    bits.set(5);
+    GiSelection2D slice;
+    slice.bits = &bits;
+    slice.width = slice.height = 1ul << 27; // no strides: all pixels are one bit
+    std::string said;
+    HxMessage::setSink([&](const char* text) { said += text; });
+    slice.fillSelection(3, 3, 0);
+    HxMessage::setSink({});
+    EXPECT_EQ(said.rfind("Not enough memory (22517998136", 0), 0u) << said; // 2 to the 51st bytes
+    EXPECT_EQ(slice.modified, 0);
+    EXPECT_FALSE(bits.isSet(0));
 }
 
 } // namespace

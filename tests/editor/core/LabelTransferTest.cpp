@@ -1,5 +1,6 @@
 #include "RandomVolume.h"
 #include "core/GiLabelTransfer.h"
+#include "core/GiLabelWords.h"
 
 #include <gtest/gtest.h>
 
@@ -107,6 +108,31 @@ TEST_P(LabelTransfer, TargetIsTheMostFrequentNeighbour)
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, LabelTransfer, testing::Values(1, 2, 3));
+
+TEST(LabelTransferWords, AreTheSameWithoutVectorInstructions)
+{
+    for (unsigned int seed = 1; seed < 40; ++seed) {
+        RandomVolume v(32, 31, 2, seed);
+        v.drawLabels(250, 3);
+        McBitfield bits;
+        v.drawSelection(bits);
+        const unsigned long first = seed % 3, end = bits.numWords() - seed % 5;
+        GiLabelSet changeable;
+        for (int label = 0; label < 256; ++label)
+            if (seed % 4 == 0 || (seed % 4 == 1 && label == 77) || (seed % 4 > 1 && v.below(2)))
+                changeable.insert(label);
+        std::vector<unsigned char> plain = v.labels;
+        giWriteWordsPlain(bits.words(), first, end, plain.data(), changeable, 7);
+        giWriteWords(bits.words(), first, end, v.labels.data(), changeable, 7);
+        ASSERT_EQ(v.labels, plain);
+        for (int mode = 0; mode < 3; ++mode) {
+            McBitfield plainBits = bits;
+            giMatchWordsPlain(plainBits.words(), first, end, plain.data(), 7, mode);
+            giMatchWords(bits.words(), first, end, plain.data(), 7, mode);
+            ASSERT_EQ(bits, plainBits) << "mode " << mode;
+        }
+    }
+}
 
 TEST(LabelTransferTarget, TheLowestLabelWinsATie)
 {

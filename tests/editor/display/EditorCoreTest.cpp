@@ -11,11 +11,6 @@
 
 namespace {
 
-struct Box
-{
-    float box[6];
-};
-
 TestEditor* withVoxelSize(TestEditor* editor, float size)
 {
     float box[6];
@@ -266,5 +261,7 @@ TEST(EditorCore, ToolsAreToldOfSelectionAndEndWithTheirViewers)
     EXPECT_EQ(editor.gi.currentTool, nullptr);
     editor.gi.setTool(3); // an entry without tool
     EXPECT_EQ(editor.gi.currentTool, nullptr);
+    EXPECT_EQ(editor.gi.cursorUpdates, 2);
     editor.gi.setTool(77);
+    EXPECT_EQ(editor.gi.cursorUpdates, 2) << "an index out of range only ends the active tool";
 }

@@ -77,7 +77,11 @@ protected:
     {
         HxMessage::getTheMsg()->setSink([this](const char* text) { console.push_back(text); });
     }
-    void TearDown() override { HxMessage::getTheMsg()->setSink({}); }
+    void TearDown() override
+    {
+        HxMessage::getTheMsg()->setSink({});
+        HxSettingsMgr::getInstance()->useMemoryStore();
+    }
     std::vector<std::string> console;
 };
 
@@ -324,7 +328,8 @@ TEST_F(Transfer, ClearInvertAndFillAnnounceThemselves)
     editor.gi.clearSelection(true, false);
     EXPECT_FALSE(editor.gi.selection->isSet());
     editor.gi.fillSelection(1, 1, 0);
-    EXPECT_EQ(editor.gi.selection->isEmpty(2, 0), 0);
+    for (unsigned long i = 0; i < editor.size(); ++i)
+        EXPECT_EQ(editor.gi.selection->isSet(i), inSlice(i, editor.dims, 0, 2));
     EXPECT_EQ(editor.gi.touches, (Touches{{1, 0, 0, 2, 1, 1},
                                           {1, 0, 0, -1, 0, 0},
                                           {1, 0, 0, 2, 0, 0},

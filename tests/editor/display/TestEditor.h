@@ -67,6 +67,7 @@ public:
         touches.push_back({a, b, c, d, e, f});
     }
     void updateUndoSensitivity() override { ++sensitivityUpdates; }
+    void updateCursor() override { ++cursorUpdates; }
 
     /// Shows the viewer of an orientation, which becomes the current one.
     GiViewer* activate(int orientation)
@@ -79,6 +80,7 @@ public:
     std::vector<Touch> touches;
     int redraws = 0;
     int sensitivityUpdates = 0;
+    int cursorUpdates = 0;
 };
 
 /// A label field over itself as image, bound to a TestGi.

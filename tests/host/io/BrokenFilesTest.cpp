@@ -146,7 +146,7 @@ TEST_F(BrokenFiles, RandomDamageNeverDoesMoreThanFail)
 
     for (const char* name :
          {"f.nrrd", "f.nii", "f.mha", "f.tif", "f.nii.gz", "f.seg.nrrd", "f.png", "f.bmp", "f.jpg", "f.dcm"})
-        for (int round = 0; round < 150; ++round) {
+        for (int round = 0; round < 100; ++round) {
             std::string bytes = bytesOf(path(name));
             const std::size_t reach = round % 3 ? std::min<std::size_t>(bytes.size(), 400) : bytes.size();
             for (unsigned k = 0; k <= random() % 3; ++k)

@@ -1,0 +1,144 @@
+"""The peers of the benchmarks that live in Python; started by BenchPython, which documents the protocol.
+
+    open NAME KIND ARGUMENT...   loads the data of one operation
+    run NAME                     answers with the time of one run in ms
+    save NAME FILE               writes the result of the last run as plain bytes
+    close NAME
+    atlas SOURCE FILE            repeats the labels of a NIfTI file until they fill the cube
+"""
+
+import gzip
+import struct
+import sys
+import time
+
+import numpy as np
+
+
+def load_bits(path):
+    packed = np.fromfile(path, np.uint8)
+    return np.unpackbits(packed, bitorder="little").view(bool)
+
+
+class Add:
+    """labels[mask] = value, sparing locked labels where there are any."""
+
+    def __init__(self, bits, labels, value, *locked):
+        self.mask = load_bits(bits)
+        self.original = np.fromfile(labels, np.uint8)
+        self.labels = self.original.copy()
+        self.value = int(value)
+        self.unlocked = np.ones(256, bool)
+        self.unlocked[[int(label) for label in locked]] = False
+
+    def prepare(self):
+        self.labels[:] = self.original
+
+    def run(self):
+        if self.unlocked.all():
+            self.labels[self.mask] = self.value
+        else:
+            self.labels[self.mask & self.unlocked[self.labels]] = self.value
+
+    def result(self):
+        return self.labels
+
+
+class Select:
+    """The voxels of one label, as booleans: NumPy's own form of a selection."""
+
+    def __init__(self, labels, value):
+        self.labels = np.fromfile(labels, np.uint8)
+        self.value = np.uint8(value)
+        self.mask = np.zeros(self.labels.size, bool)
+
+    def prepare(self):
+        self.mask[:] = False
+
+    def run(self):
+        np.equal(self.labels, self.value, out=self.mask)
+
+    def result(self):
+        return np.packbits(self.mask, bitorder="little")
+
+
+class Invert:
+    def __init__(self, bits):
+        self.mask = load_bits(bits)
+        self.inverted = self.mask.copy()
+
+    def prepare(self):
+        self.inverted[:] = self.mask
+
+    def run(self):
+        np.logical_not(self.inverted, out=self.inverted)
+
+    def result(self):
+        return np.packbits(self.inverted, bitorder="little")
+
+
+class Flood:
+    """scikit-image, 6-connected, values within a tolerance of the seed's."""
+
+    def __init__(self, image, x, y, z, tolerance):
+        from skimage.segmentation import flood
+
+        self.flood = flood
+        self.image = np.fromfile(image, np.uint16).reshape(size, size, size)
+        self.seed = (int(z), int(y), int(x))
+        self.tolerance = int(tolerance)
+
+    def prepare(self):
+        self.mask = None
+
+    def run(self):
+        self.mask = self.flood(self.image, self.seed, connectivity=1, tolerance=self.tolerance)
+
+    def result(self):
+        return np.packbits(self.mask.ravel(), bitorder="little")
+
+
+def write_atlas(source, target):
+    with gzip.open(source) as file:
+        data = file.read()
+    dims = struct.unpack_from("<3h", data, 42)
+    (kind,) = struct.unpack_from("<h", data, 70)
+    start = int(struct.unpack_from("<f", data, 108)[0])
+    if kind != 2:
+        raise ValueError(f"{source}: bytes were expected, not element type {kind}")
+    labels = np.frombuffer(data, np.uint8, dims[0] * dims[1] * dims[2], start).reshape(dims[::-1])
+    times = [-(-size // side) for side in labels.shape]
+    np.ascontiguousarray(np.tile(labels, times)[:size, :size, :size]).tofile(target)
+
+
+KINDS = {"add": Add, "select": Select, "invert": Invert, "flood": Flood}
+operations = {}
+
+
+def answer(words):
+    command, *rest = words
+    if command == "open":
+        operations[rest[0]] = KINDS[rest[1]](*rest[2:])
+    elif command == "run":
+        operation = operations[rest[0]]
+        operation.prepare()
+        start = time.perf_counter()
+        operation.run()
+        return str((time.perf_counter() - start) * 1000)
+    elif command == "save":
+        operations[rest[0]].result().tofile(rest[1])
+    elif command == "close":
+        del operations[rest[0]]
+    elif command == "atlas":
+        write_atlas(*rest)
+    else:
+        raise ValueError(f"no such command: {command}")
+    return "done"
+
+
+size = int(sys.argv[1])
+for line in sys.stdin:
+    try:
+        print(answer(line.split()), flush=True)
+    except Exception as e:  # the other side prints it and ends
+        print("error", type(e).__name__, str(e).replace("\n", " "), flush=True)
