@@ -1,6 +1,7 @@
 #include "tools/GiCrossHairTool.h"
 
 #include "core/Gi.h"
+#include "core/GiOrientation.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "mc/McEvent.h"
