@@ -2,7 +2,9 @@
 // selection by label, an add in 3D and its undo. Memory counts here, as the kernel books it.
 
 #include "BenchProgram.h"
+#include "BenchRace.h"
 #include "BenchVolume.h"
+#include "hx/HxSettingsMgr.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -47,12 +49,8 @@ void writeScript(const std::string& path, const std::string& image, const std::s
     benchRequire(file.flush().good(), path + ": cannot be written.");
 }
 
-struct Usage
-{
-    double seconds, peakGiB;
-};
-
-Usage runVorel(const std::string& script)
+/// Runs the script and returns the most memory that the process held, in GiB.
+double peakGiBOf(const std::string& script)
 {
     const pid_t process = fork();
     benchRequire(process >= 0, "vorel could not be started.");
@@ -65,11 +63,7 @@ Usage runVorel(const std::string& script)
     rusage usage{};
     wait4(process, &status, 0, &usage);
     benchRequire(WIFEXITED(status) && WEXITSTATUS(status) == 0, "vorel has failed.");
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
-    };
-    return {seconds(usage.ru_utime) + seconds(usage.ru_stime),
-            static_cast<double>(usage.ru_maxrss) / 1024 / 1024};
+    return static_cast<double>(usage.ru_maxrss) / 1024 / 1024;
 }
 
 void benchSession(const BenchOptions& options)
@@ -82,15 +76,16 @@ void benchSession(const BenchOptions& options)
         writeNrrd(labels, "uint8", benchLabels(blobs), options.size);
     }
     writeScript(script, image, labels);
-    const Usage usage = runVorel(script);
+    double peakGiB = 0;
+    const double ms = benchClockMs([&] { peakGiB = peakGiBOf(script); });
     const double voxels = 4 * static_cast<double>(options.voxels());
     char note[120];
     std::snprintf(note, sizeof note, "peak memory %.2f GiB; image, labels and selection alone are %.2f GiB",
-                  usage.peakGiB, voxels * (2 + 1 + 0.125) / (1 << 30));
+                  peakGiB, voxels * (2 + 1 + 0.125) / (1 << 30));
     char name[80];
     std::snprintf(name, sizeof name, "session on %lu x %lu x %lu", 2 * options.size, 2 * options.size,
                   options.size);
-    benchPrint({name, 2, usage.seconds * 1000, "", 0, 0, note});
+    benchPrint({name, HxSettingsMgr::getInstance()->numThreads(), ms, "", 0, 0, note});
 }
 
 } // namespace

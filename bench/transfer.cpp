@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int kRounds = 9;
+constexpr int kRounds = 15;
 constexpr int kTissue = 9;                // no label of the volume
 constexpr unsigned char kPieceTissue = 2; // a label with a large piece through the centre
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int kRounds = 9;
+constexpr int kRounds = 15;
 
 /// What an undo list on LZ4 would keep: one block per slice, of exactly its length.
 class Lz4Snapshot

@@ -13,7 +13,7 @@
 #include <itkMetaImageIO.h>
 #include <itkNiftiImageIO.h>
 #include <itkTIFFImageIO.h>
-#include <regex>
+#include <sstream>
 
 namespace {
 
@@ -60,13 +60,17 @@ constexpr ComponentName kComponents[] = {
 std::string sentence(const itk::ExceptionObject& error, const std::string& path)
 {
     std::string text = error.GetDescription();
-    text = std::regex_replace(text, std::regex("ITK ERROR: *"), "");
-    text = std::regex_replace(text, std::regex("[A-Za-z0-9]+\\(0x[0-9a-fA-F]+\\): *"), "");
-    for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
+    for (auto at = text.find(path); at != std::string::npos; at = text.find(path, at + 2))
         text.replace(at, path.size(), "it");
-    text = std::regex_replace(text, std::regex("[ \t\r\n]+"), " ");
-    while (!text.empty() && std::string(" .!:").find(text.back()) != std::string::npos) text.pop_back();
-    return text.empty() ? "" : " (" + text + ")";
+    std::istringstream in(text);
+    std::string plain;
+    for (std::string word; in >> word;) {
+        // "NiftiImageIO(0x55d0c8):" tells a user nothing.
+        const bool isAddress = word.find("(0x") != std::string::npos && word.back() == ':';
+        if (word != "ITK" && word != "ERROR:" && !isAddress) plain += (plain.empty() ? "" : " ") + word;
+    }
+    while (!plain.empty() && std::string(".!:").find(plain.back()) != std::string::npos) plain.pop_back();
+    return plain.empty() ? "" : " (" + plain + ")";
 }
 
 // Runs calls of the library; its exceptions become errors that begin with our own words.

@@ -5,6 +5,9 @@
 
 /// One DICOM, TIFF, NIfTI or MetaImage file behind ITK's ImageIO, which this class alone knows: no exception
 /// and no printing of the library gets past it. All failures are HxFileErrors of one sentence.
+///
+/// A TIFF file that fails in the middle costs the library a buffer and, when writing, an open file, which it
+/// never gives back; so it is asked only when all pages are there, or when the disk has room.
 class HxItkFile : public HxSliceFile
 {
 public:
