@@ -119,8 +119,9 @@ int snapshot(const Call& call)
     const auto result = buffer ? giWriteSnapshot(*buffer, call.words[3]) : GiSnapshotResult::kUnsupported;
     if (result == GiSnapshotResult::kWritten) return TCL_OK;
     if (result == GiSnapshotResult::kUnsupported) return call.fail("this viewer has no picture to write.");
-    return call.fail(std::string(call.words[3]) +
-                     " could not be written; the suffix must be one of an image, as .png.");
+    return call.fail(
+        std::string(call.words[3]) +
+        " could not be written; its folder must exist and its suffix be that of an image, as .png.");
 }
 
 struct Entry
