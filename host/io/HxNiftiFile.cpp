@@ -22,6 +22,8 @@ constexpr std::size_t kDatatypeAt = 70;
 constexpr std::size_t kVoxOffsetAt = 108;
 constexpr std::size_t kSlopeAt = 112;
 constexpr std::size_t kInterceptAt = 116;
+constexpr std::size_t kSformCodeAt = 254;
+constexpr std::size_t kSrowAt = 280; // three rows of four floats
 constexpr std::size_t kMagicAt = 344;
 constexpr unsigned long kLongestSide = 32767;
 
@@ -47,6 +49,8 @@ struct Header
     float dataOffset = 0;
     float slope = 0;
     float intercept = 0;
+    int sformCode = 0;
+    double sform[3][4] = {}; // from voxel indices to RAS
 
     bool isScaled() const
     {
@@ -101,7 +105,53 @@ Header parseHeader(const std::string& path)
     header.dataOffset = floatAt(kVoxOffsetAt);
     header.slope = floatAt(kSlopeAt);
     header.intercept = floatAt(kInterceptAt);
+    header.sformCode = shortAt(kSformCodeAt);
+    for (std::size_t row = 0; row < 3; ++row)
+        for (std::size_t column = 0; column < 4; ++column)
+            header.sform[row][column] = floatAt(kSrowAt + 4 * (4 * row + column));
     return header;
+}
+
+// RAS, the frame of NIfTI, is LPS with the first two axes turned round.
+constexpr double kRasToLps[3] = {-1, -1, 1};
+
+/// The geometry of the "sform" matrix. Returns false for a file without one, or with one that maps the
+/// volume onto a plane.
+bool sformGeometry(const Header& header, HxVolumeGeometry& geometry)
+{
+    if (header.sformCode <= 0) return false;
+    HxVolumeGeometry found;
+    double axes[3][3];
+    for (int k = 0; k < 3; ++k) {
+        for (int row = 0; row < 3; ++row) axes[k][row] = kRasToLps[row] * header.sform[row][k];
+        found.spacing[k] = std::hypot(axes[k][0], axes[k][1], axes[k][2]);
+        if (!(found.spacing[k] > 0) || !std::isfinite(found.spacing[k])) return false;
+        for (double& component : axes[k]) component /= found.spacing[k];
+        found.setAxis(k, axes[k]);
+        found.origin[k] = kRasToLps[k] * header.sform[k][3];
+        if (!std::isfinite(found.origin[k])) return false;
+    }
+    const double volume = axes[0][0] * (axes[1][1] * axes[2][2] - axes[1][2] * axes[2][1]) -
+                          axes[0][1] * (axes[1][0] * axes[2][2] - axes[1][2] * axes[2][0]) +
+                          axes[0][2] * (axes[1][0] * axes[2][1] - axes[1][1] * axes[2][0]);
+    constexpr double kFlat = 1e-6;
+    if (std::fabs(volume) < kFlat) return false;
+    geometry = found;
+    return true;
+}
+
+/// Puts the exact matrix into a header; the library's own is without the skew of the axes.
+void setSform(std::string& header, const HxVolumeGeometry& geometry)
+{
+    float rows[3][4];
+    for (int k = 0; k < 3; ++k) {
+        double axis[3];
+        geometry.getAxis(k, axis);
+        for (int row = 0; row < 3; ++row)
+            rows[row][k] = static_cast<float>(kRasToLps[row] * axis[row] * geometry.spacing[k]);
+        rows[k][3] = static_cast<float>(kRasToLps[k] * geometry.origin[k]);
+    }
+    std::memcpy(header.data() + kSrowAt, rows, sizeof rows);
 }
 
 // The .img file of a .hdr file, packed or not.
@@ -170,6 +220,7 @@ std::string headerBytes(const std::string& target, const unsigned long* dims, Hx
     std::memcpy(bytes.data() + kDimAt, sizes, sizeof sizes);
     const float start = kDataStart;
     std::memcpy(bytes.data() + kVoxOffsetAt, &start, sizeof start);
+    setSform(bytes, geometry);
     return bytes;
 }
 
@@ -178,11 +229,13 @@ std::string headerBytes(const std::string& target, const unsigned long* dims, Hx
 HxVolume HxNiftiFile::read(const std::string& path)
 {
     const Header header = parseHeader(path);
-    const HxItkFile library(path, HxFileKind::nifti);
     const HxVoxelSource source = sourceOf(path, header);
     source.check({header.dims[0], header.dims[1], header.dims[2]}, header.type);
     HxVolume volume(path, header.dims, header.type);
-    volume.geometry = library.geometry();
+    // A file may have two matrices that differ. The sform is the one that programs of the field follow;
+    // the library prefers the other.
+    if (!sformGeometry(header, volume.geometry))
+        volume.geometry = HxItkFile(path, HxFileKind::nifti).geometry();
     source.read(volume.data(), volume.count(), volume.type);
     if (header.isScaled()) applyScaling(path, volume, header);
     return volume;

@@ -8,7 +8,7 @@ class HxAtomicFile;
 
 /// NIfTI-1 files, single (.nii, .nii.gz) or in two parts (.hdr and .img).
 ///
-/// The geometry goes through ITK, which knows the rules of the two transforms; the voxels we read and
+/// Where a file has an sform its matrix is the geometry; all else goes through ITK. The voxels we read and
 /// write ourselves, since the library takes missing voxels for zeros. The scaling of the header is applied
 /// and gives floating-point numbers; without one the element type stays.
 struct HxNiftiFile

@@ -69,6 +69,8 @@ McDArray<unsigned long> countEach(const T* data, unsigned long n, const Bins& bi
 template <class T>
 int numberOfBins(int wanted, double low, double high)
 {
+    // kept: one bin for a constant array of reals, too, although bins were asked for: there is no width to
+    // divide, and the other bins would have ranges that hold nothing.
     if (low == high) return 1;
     if (std::is_integral_v<T> && high - low + 1 < wanted) return int(high - low) + 1;
     return wanted;

@@ -12,8 +12,8 @@ public:
 
     /// Counts all finite values of an array.
     ///
-    /// Whole numbers that span fewer than `bins` values get one bin per value. Without a finite value, with
-    /// bins below 1 or with an unknown element code the histogram is empty.
+    /// Whole numbers that span fewer than `bins` values get one bin per value, a constant array gets one bin.
+    /// Without a finite value, with bins below 1 or with an unknown element code the histogram is empty.
     /// throws  McMemoryException
     McHistogram(const McTypedPointer& data, unsigned long count, int bins);
 

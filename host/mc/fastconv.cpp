@@ -1,7 +1,6 @@
 #include "mc/fastconv.h"
 
 #include "mc/McDArray.h"
-#include "mc/McMemory.h"
 #include "mc/McSimd.h"
 
 #include <algorithm>
@@ -9,7 +8,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -20,6 +18,9 @@ constexpr double kLargestTapSum = 1l << 53;
 
 // Samples that are filtered together: the sums stay in the first-level cache.
 constexpr int kBlock = 1024;
+
+// Samples on each side of a block that its filter can reach; smoothing uses a few dozen.
+constexpr int kWidestMargin = 1024;
 
 struct Kernel
 {
@@ -94,12 +95,19 @@ void filterLarge(const unsigned char* line, unsigned char* out, int n, const std
     filterBlock<std::int64_t>(line, out, n, taps, numTaps);
 }
 
-void gather(const unsigned char* in, int stride, int n, unsigned char* out)
+// Samples [first, first + n) of a line, whose ends go on as their samples.
+void gather(const unsigned char* in, int count, int stride, long first, long n, unsigned char* out)
 {
+    const long before = std::clamp(-first, 0l, n);
+    const long after = std::clamp(first + n - count, 0l, n);
+    const unsigned char* from = in + (first + before) * stride;
+    const long inside = n - before - after;
+    std::memset(out, in[0], before);
     if (stride == 1)
-        std::memcpy(out, in, n);
+        std::memcpy(out + before, from, inside);
     else
-        for (int i = 0; i < n; i++) out[i] = in[long(i) * stride];
+        for (long i = 0; i < inside; i++) out[before + i] = from[i * stride];
+    std::memset(out + n - after, in[long(count - 1) * stride], after);
 }
 
 void scatter(const unsigned char* in, int n, unsigned char* out, int stride)
@@ -112,22 +120,16 @@ void copyLine(const unsigned char* in, int count, int stride, unsigned char* out
     for (int i = 0; i < count; i++) out[long(i) * stride] = in[long(i) * stride];
 }
 
-struct FreeMemory
+// For kernels that no block on the stack has room for: sample by sample, without any memory.
+void filterDirectly(const unsigned char* in, int count, int stride, unsigned char* out,
+                    const std::int64_t* taps, int numTaps)
 {
-    void operator()(unsigned char* memory) const { std::free(memory); }
-};
-
-// Room for one line of each thread. It stays from call to call, since there is a call for every row and
-// column of a volume.
-unsigned char* lineBuffer(unsigned long size)
-{
-    thread_local std::unique_ptr<unsigned char, FreeMemory> memory;
-    thread_local unsigned long capacity = 0;
-    if (size > capacity) {
-        memory.reset(static_cast<unsigned char*>(mcAllocate(size)));
-        capacity = size;
+    const auto at = [&](long i) { return in[std::clamp(i, 0l, long(count - 1)) * stride]; };
+    for (long i = 0; i < count; i++) {
+        std::int64_t sum = taps[0] * at(i);
+        for (int t = 1; t < numTaps; t++) sum += taps[t] * (at(i - t) + at(i + t));
+        out[i * stride] = rounded(sum);
     }
-    return memory.get();
 }
 
 } // namespace
@@ -156,18 +158,17 @@ void fastconv(const unsigned char* in, int count, int stride, unsigned char* out
     }
 
     const int margin = numTaps - 1;
-    unsigned char* buffer = lineBuffer(2ul * margin + count);
-    unsigned char* line = buffer + margin;
-    gather(in, stride, count, line);
-    std::memset(buffer, line[0], margin);
-    std::memset(line + count, line[count - 1], margin);
+    if (margin > kWidestMargin) return filterDirectly(in, count, stride, out, kernel.taps.data(), numTaps);
 
-    const auto filter = kernel.isSmall ? filterSmall : filterLarge;
+    // All on the stack: in a team of threads there is nobody who could take an exception about memory.
+    unsigned char window[kBlock + 2 * kWidestMargin];
     unsigned char block[kBlock];
-    for (int at = 0; at < count; at += kBlock) {
-        const int n = std::min(kBlock, count - at);
+    const auto filter = kernel.isSmall ? filterSmall : filterLarge;
+    for (long at = 0; at < count; at += kBlock) {
+        const int n = int(std::min(long(kBlock), count - at));
+        gather(in, count, stride, at - margin, n + 2 * margin, window);
         unsigned char* target = stride == 1 ? out + at : block;
-        filter(line + at, target, n, kernel.taps.data(), numTaps);
-        if (stride != 1) scatter(block, n, out + long(at) * stride, stride);
+        filter(window + margin, target, n, kernel.taps.data(), numTaps);
+        if (stride != 1) scatter(block, n, out + at * stride, stride);
     }
 }

@@ -14,7 +14,6 @@ void initPackedLuts(const float* kernel, int kernelSize);
 /// Results are rounded and limited to 0..255.
 ///
 /// stride  bytes from one sample to the next, in both arrays, which must not overlap
-/// throws  McMemoryException
 ///
-/// Safe to call from many threads at once.
+/// Takes no memory and throws nothing. Safe to call from many threads at once.
 void fastconv(const unsigned char* in, int count, int stride, unsigned char* out);

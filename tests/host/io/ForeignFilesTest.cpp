@@ -114,6 +114,35 @@ TEST_F(ForeignFiles, WideAndNarrowIntegersGoToTheSmallestTypeThatHoldsThem)
     EXPECT_THAT(voxels<short>(narrow), ElementsAre(-128, 127));
 }
 
+TEST_F(ForeignFiles, OfTwoNiftiMatricesTheSformHolds)
+{
+    std::string bytes = Nifti().bytes(raw(std::vector<short>(6)));
+    const auto put = [&](std::size_t at, auto v) { std::memcpy(bytes.data() + at, &v, sizeof v); };
+    put(252, std::int16_t(1)); // a qform that mirrors z and lies elsewhere
+    put(76, -1.0F);
+    put(268, 500.0F);
+    const Field both = load(store("both.nii", bytes));
+    ASSERT_TRUE(both) << error;
+    EXPECT_THAT(boxOf(both), ElementsAre(10, 13, 20, 22, 30, 32.5F));
+    EXPECT_THAT(numbers(both, "Directions", 9), ElementsAre(-1, 0, 0, 0, -1, 0, 0, 0, 1));
+
+    put(284, 0.75F); // shears x along y
+    const Field skew = load(store("skew.nii", bytes));
+    ASSERT_TRUE(skew) << error;
+    const auto directions = numbers(skew, "Directions", 9);
+    EXPECT_NE(directions[1], 0);
+    ASSERT_TRUE(save(skew, path("again.nii"))) << error;
+    const Field again = load(path("again.nii"));
+    ASSERT_TRUE(again) << error;
+    const auto kept = numbers(again, "Directions", 9);
+    for (std::size_t i = 0; i < 9; ++i) EXPECT_NEAR(kept[i], directions[i], 1e-6) << i;
+
+    for (std::size_t row = 0; row < 3; ++row) put(280 + 16 * row, 0.0F); // maps the volume onto a plane
+    const Field flat = load(store("flat.nii", bytes));
+    ASSERT_TRUE(flat) << error;
+    EXPECT_NEAR(boxOf(flat)[1] - boxOf(flat)[0], 3, 1e-5) << "then the qform counts";
+}
+
 TEST_F(ForeignFiles, NiftiGeometryAndScaling)
 {
     const std::vector<short> values{1, 2, 3, -4, 5, 600};
