@@ -2,8 +2,10 @@
 
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
+#include "display/GiFrameBuffer.h"
+#include "display/GiGreyImage.h"
 #include "display/GiLabelImage.h"
-#include "display/GiViewer.h"
+#include "display/GiMemoryViewer.h"
 #include "hx/HxField3.h"
 #include "hx/HxHistogramInterface.h"
 #include "hx/HxLabelLattice3.h"
@@ -12,6 +14,11 @@
 #include "hx/HxRegScalarField3.h"
 #include "mc/McHistogram.h"
 #include "mc/McInterface.h"
+#include "tools/GiCrossHairTool.h"
+#include "tools/GiTool.h"
+
+#include <QCursor>
+#include <QGuiApplication>
 
 #include <algorithm>
 
@@ -64,11 +71,15 @@ void GiQ::createViewers()
 {
     viewerPanel = &panel;
     for (int orientation = 0; orientation < 3; ++orientation) {
-        auto* viewer = new GiViewer("viewer", this);
+        auto* viewer = new GiMemoryViewer("viewer", this);
         viewer->ref();
         viewer->setPanel(&panel);
-        viewer->createShapes();
         viewer->setOrientation(orientation);
+        viewer->setFlip(0, 0, 0);
+        GiFrameBuffer* buffer = viewer->getFrameBuffer();
+        if (panTool) buffer->addShape(panTool);
+        buffer->addShape(crossHair);
+        if (currentTool) buffer->addShape(currentTool);
         viewers.append(viewer);
     }
     panel.setActiveViewer(viewers[2]);
@@ -80,7 +91,10 @@ void GiQ::setDataWindow(float min, float max, bool redrawAfter)
 {
     dataWindow[0] = min;
     dataWindow[1] = max;
-    if (redrawAfter) redraw();
+    if (zoomAllViewers)
+        for (int i = 0; i < viewers.size(); ++i) viewers[i]->setDataWindow(min, max, redrawAfter);
+    else if (GiViewer* viewer = getCurrentViewer())
+        viewer->setDataWindow(min, max, redrawAfter);
 }
 
 void GiQ::setToolDataWindow(float min, float max, bool redrawAfter)
@@ -89,7 +103,24 @@ void GiQ::setToolDataWindow(float min, float max, bool redrawAfter)
     const bool real = type == kHostFloat || type == kHostDouble;
     toolDataWindow[0] = real ? min : static_cast<float>(static_cast<long>(min));
     toolDataWindow[1] = real ? max : static_cast<float>(static_cast<long>(max));
-    if (redrawAfter) redraw();
+    for (int i = 0; i < viewers.size(); ++i)
+        viewers[i]->setMaskingWindow(toolDataWindow[0], toolDataWindow[1], redrawAfter);
+}
+
+void GiQ::setMaskingEnabled(bool on)
+{
+    masking = on;
+    for (int i = 0; i < viewers.size(); ++i) viewers[i]->setMaskingEnabled(on);
+    setToolDataWindowSliderTracking(true);
+}
+
+void GiQ::updateCursor()
+{
+    // Without a display there is no pointer, and cursors made of pictures cannot be had.
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return;
+    const QCursor arrow(Qt::ArrowCursor);
+    for (int i = 0; i < viewers.size(); ++i)
+        viewers[i]->setCursor(currentTool ? *currentTool->getToolCursor() : arrow);
 }
 
 void GiQ::touchData(int selectionTouched, int labelsTouched, int, int, int, int)
@@ -193,7 +224,11 @@ void GiQ::clear()
     for (int i = 0; i < viewers.size(); ++i)
         selection->getSlice(viewers[i]->getSelection(), viewers[i]->getOrientation(), 0);
     touchData(1, 0, 0, 0, 0, 0);
-    for (int i = viewers.size() - 1; i >= 0; --i) viewers[i]->getLabelImage()->setMemory(nullptr, 0, 0);
+    for (int i = viewers.size() - 1; i >= 0; --i) {
+        if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer()) buffer->clear();
+        if (GiLabelImage* labels = viewers[i]->getLabelImage()) labels->setMemory(nullptr, 0, 0);
+        if (GiGreyImage* image = viewers[i]->getGreyImage()) image->clear();
+    }
     setDataWindow(0, 255, true);
     setToolDataWindow(0, 255, true);
     clearUndo(1);

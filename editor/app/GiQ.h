@@ -24,8 +24,10 @@ public:
     void clearToolDataWindowMarker() override {}
     void setToolDataWindowSliderTracking(bool on) override { sliderTracking = on; }
     bool toolDataWindowSliderTracking() override { return sliderTracking; }
-    void setMaskingEnabled(bool on) override { masking = on; }
+    void setMaskingEnabled(bool on) override;
     bool maskingEnabled() const override { return masking; }
+    /// The active tool's cursor, or an arrow, for every viewer.
+    void updateCursor() override;
     void touchData(int selectionTouched, int labelsTouched, int orientation, int slice, int, int) override;
     int getPickedVoxel(HxViewer* viewer, int x, int y, McVec3i& voxel, float& value) override;
 

@@ -2,8 +2,10 @@
 // name, order, complaint and oddity is part of what users rely on.
 
 #include "app/GiQ.h"
+#include "app/GiSnapshot.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
+#include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "hx/HxMessage.h"
 #include "hx/HxParamBundle.h"
@@ -60,11 +62,6 @@ struct Call
 int notAvailableWithoutWords(const Call& call)
 {
     return call.count == 2 ? call.notAvailable() : call.wrongCount();
-}
-
-int notAvailableWithOneWord(const Call& call)
-{
-    return call.count == 3 ? call.notAvailable() : call.wrongCount();
 }
 
 int smooth(const Call& call)
@@ -134,7 +131,19 @@ int snapshot(const Call& call)
     if (call.count != 4) return call.usage("Usage: snapshot [viewer id] [filename]");
     const int id = call.number(2);
     if (id < 0 || id >= call.gi.viewers.size()) return call.usage("Viewer id invalid");
-    return call.notAvailable();
+    GiFrameBuffer* buffer = call.gi.viewers[id]->getFrameBuffer();
+    if (!buffer) return TCL_ERROR;
+    // kept: a file that cannot be written is no error. Scripts that leaf through a volume go on.
+    return giWriteSnapshot(*buffer, call.words[3]) == GiSnapshotResult::kUnsupported ? TCL_ERROR : TCL_OK;
+}
+
+int setMaxAlpha(const Call& call)
+{
+    if (call.count != 3) return call.wrongCount();
+    const GiViewer* viewer = call.gi.getCurrentViewer();
+    if (viewer && viewer->getFrameBuffer()) viewer->getFrameBuffer()->selectionAlpha = call.number(2);
+    call.gi.redraw();
+    return TCL_OK;
 }
 
 // Where a usage text shows a flag in brackets, the presence of the word is the flag; "clear 0" is a
@@ -344,7 +353,7 @@ constexpr Command kCommands[] = {
      "removes small islands of materials"},
     {"undo", undo, "undo", "takes back the last change"},
     {"redo", redo, "redo", "repeats a change that was taken back"},
-    {"setMaxAlpha", notAvailableWithOneWord, "setMaxAlpha A", "weight of the selection's colour, 0 to 255"},
+    {"setMaxAlpha", setMaxAlpha, "setMaxAlpha A", "weight of the selection's colour, 0 to 255"},
     {"setTool", setTool, "setTool T", "makes a tool the active one"},
     {"clear", clearSelection, "clear ?3D?", "clears the slice's or the volume's selection"},
     {"replace", replaceBySelection, "replace ?3D?", "replaces the touched pieces of the current material"},

@@ -1,6 +1,7 @@
 // The three functions by which the host finds this package.
 
 #include "app/GiScriptCommands.h"
+#include "app/GiViewCommands.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
 #include "hx/HxPackage.h"
@@ -15,6 +16,7 @@ void vorelpackage_kelvane_init()
     HxGiSubApplication::initClass();
     HxGiEditor::initClass();
     giAddScriptCommands();
+    giAddViewCommands();
 }
 
 void vorelpackage_kelvane_finish() {} // the editor goes with the pool's objects

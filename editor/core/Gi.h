@@ -15,6 +15,7 @@
 class GiAction;
 class GiCrossHairTool;
 class GiFilter;
+class GiFrameBuffer;
 class GiProjector;
 class GiSelection2D;
 class GiTool;
@@ -128,6 +129,8 @@ public:
     void zoomOut();
     /// "2:1 ", "1:4 " and the like, trailing blank included; the text lives until the next call.
     const char* getZoomFactorText();
+    /// Draws anew what a change inside `box`, in pixels of the source's slice, touches in each viewer.
+    void redraw(const McBox2i& box, GiViewer* source);
     /// The part of `box`, in pixels of the source's slice, that lies in the target's slice;
     /// (1, 1, 0, 0) if none does.
     void projectBox(GiViewer* source, GiViewer* target, const McBox2i& box, McBox2i& result) const;
@@ -136,6 +139,9 @@ public:
     void updateSelectionBoxes();
     /// The same after a change inside `box` of `viewer`: boxes only grow.
     void updateSelectionBoxes(McBox2i& box, GiViewer* viewer);
+    /// Pixels of the viewer's slice whose value lies in its masking window; 0, and the mask stays as it was,
+    /// if masking is off there. throws McMemoryException
+    int getMask(GiFrameBuffer* frameBuffer, McBitfield& mask);
     /// Takes selection draw style and blend weight from the preferences and redraws.
     void readSelectionDrawStyle();
     static void crossHairCBs(GiCrossHairTool* tool, void* gi);
@@ -219,6 +225,7 @@ protected:
 
 private:
     void createTools();
+    void leaveTool();
     void createFilters();
     void destroyTools();
     void destroyFilters();

@@ -1,18 +1,16 @@
 #include "core/GiRowFill.h"
 
 #include "core/GiBitRows.h"
-#include "mc/McMemory.h"
 
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
 #include <limits>
 #include <utility>
 
 namespace {
 
-constexpr std::uint64_t kAll = ~std::uint64_t{0};
 constexpr int kNoWord = std::numeric_limits<int>::max();
+constexpr unsigned long kPlanesKept = 4; // a look reaches into both neighbouring planes; power of 2
 
 /// Spreads bits upwards along the runs of `open`: an addition carries each bit to the end of its
 /// run. `carry` comes from the word below and goes to the word above.
@@ -41,74 +39,70 @@ GiRowFill::GiRowFill(const unsigned long* dims, McBitfield& marks, AcceptRow acc
       ny(static_cast<long>(dims[1])),
       nz(static_cast<long>(dims[2])),
       rowWords((dims[0] + 63) / 64),
-      visited(marks),
+      reached(marks),
       acceptRow(std::move(accept)),
       bounds{nx, ny, nz, -1, -1, -1}
 {
     const unsigned long numRows = dims[1] * dims[2];
     rows.resize(static_cast<int>(numRows));
-    for (Row& row : rows) row = Row{kNoWord, -1, false};
+    for (Row& row : rows) row = Row{kNoWord, -1};
     listed.resize(numRows);
-    emptyRow.resize(static_cast<int>(rowWords));
+    const unsigned long slots = kPlanesKept * dims[1];
+    accepted.resize(static_cast<int>(slots * rowWords));
+    acceptedOf.resize(static_cast<int>(slots));
+    for (long& row : acceptedOf) row = -1;
     scratch.resize(static_cast<int>(rowWords));
-    words = static_cast<Word*>(mcAllocateZeroed(mcByteCount(numRows * rowWords, sizeof(Word))));
 }
 
-GiRowFill::~GiRowFill()
+unsigned long GiRowFill::slotOf(long y, long z) const
 {
-    std::free(words);
+    return static_cast<unsigned long>(z) % kPlanesKept * static_cast<unsigned long>(ny) +
+           static_cast<unsigned long>(y);
 }
 
-GiRowFill::Word* GiRowFill::builtRow(unsigned long row)
+const std::uint64_t* GiRowFill::acceptedIn(long y, long z)
 {
-    Word* const built = wordsOf(row);
-    Row& state = rows[static_cast<int>(row)];
-    if (state.isBuilt) return built;
-    acceptRow(row, scratch.data());
-    for (unsigned long i = 0; i < rowWords; ++i)
-        built[i].open =
-            scratch[static_cast<int>(i)] & ~visited.load64(row * static_cast<unsigned long>(nx) + i * 64);
-    state.isBuilt = true;
-    return built;
-}
-
-bool GiRowFill::accepts(unsigned long x, unsigned long row)
-{
-    acceptRow(row, scratch.data());
-    return scratch[static_cast<int>(x / 64)] >> (x % 64) & 1;
-}
-
-const GiRowFill::Word* GiRowFill::reachedIn(long y, long z) const
-{
-    if (y < 0 || y >= ny || z < 0 || z >= nz) return emptyRow.data();
     const long row = y + ny * z;
-    return rows[static_cast<int>(row)].isBuilt ? words + static_cast<unsigned long>(row) * rowWords
-                                               : emptyRow.data();
+    const unsigned long slot = slotOf(y, z);
+    std::uint64_t* const words = accepted.data() + slot * rowWords;
+    long& owner = acceptedOf[static_cast<int>(slot)];
+    if (owner != row) {
+        acceptRow(static_cast<unsigned long>(row), words);
+        owner = row;
+    }
+    return words;
 }
 
-/// Puts a row on the list whose neighbour has grown in some words.
-void GiRowFill::list(long y, long z, const Word* grown, int firstWord, int lastWord)
+/// Puts a row on the list whose neighbour has grown by the words of `scratch`.
+void GiRowFill::list(long y, long z, int firstWord, int lastWord)
 {
     if (y < 0 || y >= ny || z < 0 || z >= nz) return;
     const long number = y + ny * z;
-    Row& row = rows[static_cast<int>(number)];
-    if (row.isBuilt) {
-        const Word* const own = wordsOf(static_cast<unsigned long>(number));
-        std::uint64_t any = 0;
-        for (int i = firstWord; i <= lastWord; ++i) any |= own[i].open & ~own[i].reached & grown[i].reached;
-        if (!any) return;
+    const auto row = static_cast<unsigned long>(number);
+    // Most rows need no look: they are reached already, or do not accept what is new.
+    const unsigned long slot = slotOf(y, z);
+    const bool isKept = acceptedOf[static_cast<int>(slot)] == number;
+    const std::uint64_t* const open = accepted.data() + slot * rowWords;
+    std::uint64_t any = 0;
+    for (int i = firstWord; i <= lastWord; ++i) {
+        const std::uint64_t grown = isKept ? scratch[i] & open[i] : scratch[i];
+        any |= grown &
+               ~reached.load64(row * static_cast<unsigned long>(nx) + static_cast<unsigned long>(i) * 64);
     }
-    row.firstWord = std::min(row.firstWord, firstWord);
-    row.lastWord = std::max(row.lastWord, lastWord);
-    listed.set(static_cast<unsigned long>(number));
+    if (!any) return;
+    Row& state = rows[static_cast<int>(number)];
+    state.firstWord = std::min(state.firstWord, firstWord);
+    state.lastWord = std::max(state.lastWord, lastWord);
+    listed.set(row);
 }
 
 void GiRowFill::addSeeds(unsigned long row, unsigned long i, std::uint64_t seeds)
 {
-    const Word& word = builtRow(row)[i];
+    const long y = static_cast<long>(row) % ny, z = static_cast<long>(row) / ny;
+    const std::uint64_t* const open = acceptedIn(y, z);
     const int at = static_cast<int>(i);
-    scratch[at] = seeds & word.open & ~word.reached;
-    if (scratch[at]) spread(row, at, at);
+    scratch[at] = seeds & open[i] & ~reached.load64(row * static_cast<unsigned long>(nx) + i * 64);
+    if (scratch[at]) spread(y, z, open, at, at);
 }
 
 unsigned long GiRowFill::fill(long* filled)
@@ -129,7 +123,6 @@ unsigned long GiRowFill::fill(long* filled)
             isDone = false;
         }
     }
-    markVisited();
     for (int axis = 0; axis < 3; ++axis) {
         filled[axis] = std::min(filled[axis], bounds[axis]);
         filled[axis + 3] = std::max(filled[axis + 3], bounds[axis + 3]);
@@ -146,73 +139,74 @@ void GiRowFill::lookAt(unsigned long row)
     state.lastWord = -1;
     listed.unset(row);
 
-    const Word* const own = builtRow(row);
     const long y = static_cast<long>(row) % ny, z = static_cast<long>(row) / ny;
-    const Word* const above = reachedIn(y, z - 1);
-    const Word* const below = reachedIn(y, z + 1);
-    const Word* const before = reachedIn(y - 1, z);
-    const Word* const behind = reachedIn(y + 1, z);
+    const std::uint64_t* const open = acceptedIn(y, z);
+    const auto width = static_cast<unsigned long>(nx), plane = static_cast<unsigned long>(nx * ny);
+    // A row without a neighbour on one side stands for it itself: it adds nothing.
+    const unsigned long at = row * width;
+    const unsigned long above = z > 0 ? at - plane : at;
+    const unsigned long below = z + 1 < nz ? at + plane : at;
+    const unsigned long before = y > 0 ? at - width : at;
+    const unsigned long behind = y + 1 < ny ? at + width : at;
     std::uint64_t any = 0;
     for (int i = first; i <= last; ++i) {
-        scratch[i] = (above[i].reached | below[i].reached | before[i].reached | behind[i].reached) &
-                     own[i].open & ~own[i].reached;
+        const unsigned long x = static_cast<unsigned long>(i) * 64;
+        scratch[i] = (reached.load64(above + x) | reached.load64(below + x) | reached.load64(before + x) |
+                      reached.load64(behind + x)) &
+                     open[i] & ~reached.load64(at + x);
         any |= scratch[i];
     }
-    if (any) spread(row, first, last);
+    if (any) spread(y, z, open, first, last);
 }
 
-/// Spreads the bits of `scratch`, words firstWord to lastWord, along the open runs of a row.
-void GiRowFill::spread(unsigned long row, int firstWord, int lastWord)
+/// Spreads the bits of `scratch`, words firstWord to lastWord, along the open runs of a row, which
+/// are reached as a whole or not at all.
+void GiRowFill::spread(long y, long z, const std::uint64_t* open, int firstWord, int lastWord)
 {
-    Word* const own = wordsOf(row);
     const int end = static_cast<int>(rowWords);
     std::uint64_t carry = 0;
     int top = firstWord;
     for (; top < end && (top <= lastWord || carry); ++top) {
         if (top > lastWord) scratch[top] = 0;
-        if (scratch[top] | carry) scratch[top] = spreadUp(own[top].open, scratch[top], carry);
+        if (scratch[top] | carry) scratch[top] = spreadUp(open[top], scratch[top], carry);
     }
 
-    int low = kNoWord, high = -1;
+    int low = top, high = -1;
     std::uint64_t enters = 0; // from the word above
     for (int i = top - 1; i >= 0 && (i >= firstWord || enters); --i) {
-        std::uint64_t bits = (i >= firstWord ? scratch[i] : 0) | (enters & own[i].open);
-        if (bits && bits != own[i].open) bits = spreadDown(own[i].open, bits);
+        std::uint64_t bits = (i >= firstWord ? scratch[i] : 0) | (enters & open[i]);
+        if (bits && bits != open[i]) bits = spreadDown(open[i], bits);
         enters = bits << 63;
-        if (!bits) continue;
-        own[i].reached |= bits;
-        count += static_cast<unsigned long>(std::popcount(bits));
+        scratch[i] = bits;
         low = i;
-        high = std::max(high, i);
+        if (bits) high = std::max(high, i);
     }
+    while (!scratch[low]) ++low;
+    mark(y, z, low, high);
 
-    const long y = static_cast<long>(row) % ny, z = static_cast<long>(row) / ny;
-    const long lowest[3] = {low * 64l + std::countr_zero(own[low].reached), y, z};
-    const long highest[3] = {high * 64l + 63 - std::countl_zero(own[high].reached), y, z};
+    list(y, z - 1, low, high);
+    list(y, z + 1, low, high);
+    list(y - 1, z, low, high);
+    list(y + 1, z, low, high);
+}
+
+/// Enters the growth of a row, which lies in the words firstWord to lastWord of `scratch`.
+void GiRowFill::mark(long y, long z, int firstWord, int lastWord)
+{
+    const auto first = static_cast<unsigned long>((y + ny * z) * nx);
+    for (int i = firstWord; i <= lastWord; ++i) {
+        const std::uint64_t bits = scratch[i];
+        // The field may be written beyond its last bit here, with zeros.
+        const unsigned long at = first + static_cast<unsigned long>(i) * 64;
+        McBitfield::Word64* const target = reached.words64() + at / 64;
+        target[0] |= bits << (at % 64);
+        target[1] |= bits >> 1 >> (63 - at % 64);
+        count += static_cast<unsigned long>(std::popcount(bits));
+    }
+    const long lowest[3] = {firstWord * 64l + std::countr_zero(scratch[firstWord]), y, z};
+    const long highest[3] = {lastWord * 64l + 63 - std::countl_zero(scratch[lastWord]), y, z};
     for (int axis = 0; axis < 3; ++axis) {
         bounds[axis] = std::min(bounds[axis], lowest[axis]);
         bounds[axis + 3] = std::max(bounds[axis + 3], highest[axis]);
-    }
-    list(y, z - 1, own, low, high);
-    list(y, z + 1, own, low, high);
-    list(y - 1, z, own, low, high);
-    list(y + 1, z, own, low, high);
-}
-
-void GiRowFill::markVisited()
-{
-    for (int number = 0; number < rows.size(); ++number) {
-        if (!rows[number].isBuilt) continue;
-        const auto row = static_cast<unsigned long>(number);
-        const Word* const own = wordsOf(row);
-        for (unsigned long i = 0; i < rowWords; ++i) {
-            const std::uint64_t bits = own[i].reached;
-            if (!bits) continue;
-            // The field may be written beyond its last bit here, with zeros.
-            const unsigned long at = row * static_cast<unsigned long>(nx) + i * 64;
-            McBitfield::Word64* const target = visited.words64() + at / 64;
-            target[0] |= bits << (at % 64);
-            target[1] |= bits >> 1 >> (63 - at % 64);
-        }
     }
 }

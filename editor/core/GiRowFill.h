@@ -12,10 +12,13 @@
 /// once, and spreads in it by word operations along the runs of accepted voxels. A row that gains
 /// voxels puts its neighbours on the list of rows to be looked at, and the list is swept up and down
 /// the volume, so that memory is read in order and a row takes in the growth of several neighbours
-/// at once. Noise, with its many short runs, then costs little more than a solid region. A row is
-/// asked for when the fill first gets there.
+/// at once. Noise, with its many short runs, then costs little more than a solid region.
 ///
-/// Use once: name the seeds, then call fill(). `visited` must not change in between.
+/// What is reached is kept in the marks alone. The accepted voxels of a row are asked for when the
+/// fill gets there, and forgotten a few planes later: asking again is cheaper than keeping them for
+/// the volume.
+///
+/// Use once: name the seeds, then call fill(). The marks must not change in between.
 class GiRowFill
 {
 public:
@@ -23,56 +26,44 @@ public:
     /// lowest bit first, bits beyond X zero.
     using AcceptRow = std::function<void(unsigned long row, std::uint64_t* accepted)>;
 
-    /// visited  X * Y * Z bits; voxels marked there are not entered. A run of accepted voxels along
-    ///          x must be marked as a whole or not at all, as earlier fills leave it.
-    /// throws   McMemoryException
-    GiRowFill(const unsigned long* dims, McBitfield& visited, AcceptRow acceptRow);
-    ~GiRowFill();
+    /// marks   X * Y * Z bits, all of them clear
+    /// throws  McMemoryException
+    GiRowFill(const unsigned long* dims, McBitfield& marks, AcceptRow acceptRow);
     GiRowFill(const GiRowFill&) = delete;
     GiRowFill& operator=(const GiRowFill&) = delete;
 
-    /// Whether a voxel inside the volume is accepted, marked or not.
-    bool accepts(unsigned long x, unsigned long row);
-
     /// Starts at those of the voxels 64 * i + k of a row, k by the bits of `seeds`, that are
-    /// accepted and not marked.
+    /// accepted.
     void addSeeds(unsigned long row, unsigned long i, std::uint64_t seeds);
 
-    /// Fills from all seeds and marks what is reached in `visited`.
+    /// Fills from all seeds and marks what is reached.
     ///
     /// bounds   xmin, ymin, zmin, xmax, ymax, zmax, widened by what is filled
     /// returns  the number of voxels filled
     unsigned long fill(long* bounds);
 
 private:
-    struct Word
-    {
-        std::uint64_t open; // accepted, and not marked before
-        std::uint64_t reached;
-    };
     struct Row
     {
         int firstWord, lastWord; // where neighbours have grown since the last look; none: last < first
-        bool isBuilt;
     };
 
-    Word* wordsOf(unsigned long row) { return words + row * rowWords; }
-    Word* builtRow(unsigned long row);
-    const Word* reachedIn(long y, long z) const;
-    void list(long y, long z, const Word* grown, int firstWord, int lastWord);
+    unsigned long slotOf(long y, long z) const;
+    const std::uint64_t* acceptedIn(long y, long z);
+    void list(long y, long z, int firstWord, int lastWord);
     void lookAt(unsigned long row);
-    void spread(unsigned long row, int firstWord, int lastWord);
-    void markVisited();
+    void spread(long y, long z, const std::uint64_t* open, int firstWord, int lastWord);
+    void mark(long y, long z, int firstWord, int lastWord);
 
     const long nx, ny, nz;
     const unsigned long rowWords;
-    McBitfield& visited;
+    McBitfield& reached;
     AcceptRow acceptRow;
-    Word* words; // rowWords per row, zeroed until built
     McDArray<Row> rows;
-    McDArray<Word> emptyRow;         // stands for rows outside, and for those not reached yet
-    McDArray<std::uint64_t> scratch; // one row
-    McBitfield listed;               // by row
+    McBitfield listed;                // by row
+    McDArray<std::uint64_t> accepted; // of the rows asked for last, by slot
+    McDArray<long> acceptedOf;        // the row in each slot; -1: none
+    McDArray<std::uint64_t> scratch;  // one row: where a look found growth, then the growth itself
     unsigned long count = 0;
     long bounds[6];
 };

@@ -29,6 +29,23 @@ GiRowFill::AcceptRow rowTest(const McFillWindow<T>& window, unsigned long nx)
     };
 }
 
+/// The same without the voxels that are marked.
+GiRowFill::AcceptRow unmarkedRowTest(const GiRowFill::AcceptRow& test, const McBitfield& marks,
+                                     unsigned long nx)
+{
+    return [&test, &marks, nx](unsigned long row, std::uint64_t* accepted) {
+        test(row, accepted);
+        for (unsigned long i = 0; i < (nx + 63) / 64; ++i) accepted[i] &= ~marks.load64(row * nx + i * 64);
+    };
+}
+
+bool accepts(const GiRowFill::AcceptRow& test, unsigned long nx, unsigned long x, unsigned long row)
+{
+    McDArray<std::uint64_t> accepted(static_cast<int>((nx + 63) / 64));
+    test(row, accepted.data());
+    return accepted[static_cast<int>(x / 64)] >> (x % 64) & 1;
+}
+
 } // namespace
 
 template <class T>
@@ -41,12 +58,17 @@ unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned lo
     unsigned long count = 0;
     const bool canMatch = !window.labels || window.label < 256;
     if (canMatch && isInside(dims, x, y, z)) {
-        GiRowFill fill(dims, visited, rowTest(window, dims[0]));
+        const GiRowFill::AcceptRow test = rowTest(window, dims[0]);
         const auto column = static_cast<unsigned long>(x);
         const auto rowOf = [&](long j, long k) {
             return static_cast<unsigned long>(j) + dims[1] * static_cast<unsigned long>(k);
         };
-        if (fill.accepts(column, rowOf(y, z))) {
+        if (accepts(test, dims[0], column, rowOf(y, z))) {
+            // The fill starts on clear bits. Marks of earlier ones are hidden from it.
+            const bool hasMarks = visited.isAnyBitSet();
+            McBitfield ownRegion(hasMarks ? visited.numBits() : 0);
+            McBitfield& region = hasMarks ? ownRegion : visited;
+            GiRowFill fill(dims, region, hasMarks ? unmarkedRowTest(test, visited, dims[0]) : test);
             // As in the plain fill the neighbouring rows start too, which makes a difference if the
             // seed itself is marked already.
             const int starts[5][2] = {{y, z}, {y - 1, z}, {y + 1, z}, {y, z - 1}, {y, z + 1}};
@@ -54,6 +76,8 @@ unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned lo
                 if (isInside(dims, x, j, k))
                     fill.addSeeds(rowOf(j, k), column / 64, std::uint64_t{1} << (column % 64));
             count = fill.fill(bounds);
+            for (unsigned long i = 0; i < ownRegion.numWords(); ++i)
+                visited.words()[i] |= ownRegion.words()[i];
         }
     }
     // kept: in a volume of a single row the box stays at the seed. The plain fill widens the box

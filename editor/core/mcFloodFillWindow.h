@@ -27,8 +27,8 @@ struct McFillWindow
 /// throws   McMemoryException
 ///
 /// Each row is tested as a whole when the fill first reaches it, by vector compares into one bit
-/// per voxel; the rest is word operations (see GiRowFill). Costs two more bits per voxel of the
-/// volume.
+/// per voxel; the rest is word operations (see GiRowFill). Costs one more bit per voxel of the volume
+/// if `visited` comes with marks, otherwise a few planes of bits and eight bytes per row.
 template <class T>
 unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned long* dims, int x, int y, int z,
                                 McBitfield& visited, int* box);

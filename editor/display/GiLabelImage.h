@@ -17,6 +17,11 @@ public:
     /// locked  the editor's 256 locks; read at each transfer, so it must outlive the image
     GiLabelImage(int* locked, Gi* owner);
 
+    /// Draws outlines and fill patterns of the labels in the box, then of the selection.
+    void render(GiFrameBuffer* frameBuffer, const McBox2i& box) override;
+    /// The key d: the next draw style for all shown materials, or, with shift or alt, for the one under the
+    /// pointer.
+    int handleEvent(GiFrameBuffer* frameBuffer, McEvent* event) override;
     McBox2i getBoundingBox() override;
 
     /// First label of the slice and the byte steps to the next column and row; null empties.
@@ -45,6 +50,9 @@ public:
     void subtractSelection(GiSelection2D& selection, int tissue);
 
 private:
+    void cycleAllStyles();
+    void cycleStyleAt(const GiFrameBuffer& frameBuffer, int x, int y);
+
     Gi* gi;
     GiLabelSlice view;
     int positionX = 0, positionY = 0;

@@ -5,6 +5,7 @@
 #include "core/GiBusy.h"
 #include "core/GiLabelTransfer.h"
 #include "core/GiNotice.h"
+#include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "hx/HxLabelLattice3.h"
 #include "hx/HxMessage.h"
@@ -116,9 +117,19 @@ void Gi::subtractSlice(int tissue)
     saveUndoInformationForSlice(1, 1, nullptr);
     viewer->getLabelImage()->subtractSelection(*viewer->getSelection(), tissue);
     McBox2i cleared;
-    viewer->getSelection()->clear(cleared);
+    const bool any = viewer->getSelection()->clear(cleared) != 0;
+    // Taken before the tool is told: its answer may be another slice. The outline of the neighbours lies one
+    // pixel further out.
+    GiFrameBuffer* buffer = viewer->getFrameBuffer();
+    McBox2i screen;
+    if (any && buffer)
+        screen = buffer->screenBox(
+            McBox2i(cleared.xmin - 1, cleared.ymin - 1, cleared.xmax + 1, cleared.ymax + 1));
     notifyTool(kSelectionSubtracted);
-    viewer->redraw();
+    if (!screen.isEmpty()) {
+        buffer->render(screen, nullptr);
+        buffer->paste(screen);
+    }
     touchData(1, 1, viewer->getOrientation(), viewer->getSlice(), 1, 1);
 }
 

@@ -2,9 +2,12 @@
 // parts of them a change touches.
 
 #include "core/Gi.h"
+#include "core/GiMask.h"
 #include "core/GiMultiAction.h"
 #include "core/GiOrientation.h"
 #include "core/GiThickestSlices.h"
+#include "display/GiFrameBuffer.h"
+#include "display/GiGreyImage.h"
 #include "display/GiLabelImage.h"
 #include "display/GiViewer.h"
 #include "hx/HxLabelLattice3.h"
@@ -12,6 +15,7 @@
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxViewerPanelBase.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -24,6 +28,21 @@ struct MarkColor
 
 constexpr MarkColor kMarkColors[] = {{128, 0, 255, 0}, {129, 0, 255, 255},   {130, 255, 0, 255},
                                      {131, 0, 0, 255}, {255, 255, 255, 255}, {127, 255, 255, 0}};
+
+/// Whether one data pixel fills the whole window.
+bool fillsWindow(const GiViewer* viewer)
+{
+    const GiFrameBuffer* buffer = viewer->getFrameBuffer();
+    if (!buffer || buffer->replicX.isEmpty() || buffer->replicY.isEmpty()) return false;
+    const McVec2i window = buffer->windowSize();
+    return buffer->replicX[0] >= window.x && buffer->replicY[0] >= window.y;
+}
+
+bool isDot(const GiViewer* viewer)
+{
+    const GiFrameBuffer* buffer = viewer->getFrameBuffer();
+    return buffer && buffer->zoomedSize.x < 2 && buffer->zoomedSize.y < 2;
+}
 
 float zoomForSize(const unsigned long* dims)
 {
@@ -164,6 +183,7 @@ void Gi::zoomIn()
 {
     const GiViewer* viewer = zoomAllViewers && viewers.size() > 0 ? viewers[0] : getCurrentViewer();
     if (!viewer) return;
+    if (fillsWindow(getCurrentViewer())) return;
     const float zoom = viewer->getZoomFactor();
     if (zoom < 0.51f) {
         setZoomFactor(2 * zoom);
@@ -176,7 +196,7 @@ void Gi::zoomIn()
 void Gi::zoomOut()
 {
     const GiViewer* viewer = zoomAllViewers && viewers.size() > 0 ? viewers[0] : getCurrentViewer();
-    if (!viewer) return;
+    if (!viewer || isDot(getCurrentViewer())) return;
     const float zoom = viewer->getZoomFactor();
     setZoomFactor(zoom > 2.9f ? static_cast<float>(static_cast<int>(2 * zoom / 3 + 0.5f)) : zoom / 2);
 }
@@ -204,6 +224,19 @@ const char* Gi::getZoomFactorText()
 void Gi::redraw()
 {
     for (int i = 0; i < viewers.size(); ++i) viewers[i]->redraw();
+}
+
+void Gi::redraw(const McBox2i& box, GiViewer* source)
+{
+    for (int i = 0; i < viewers.size(); ++i) {
+        McBox2i part = box;
+        if (viewers[i] != source) projectBox(source, viewers[i], box, part);
+        GiFrameBuffer* buffer = viewers[i]->getFrameBuffer();
+        if (part.isEmpty() || !buffer) continue;
+        const McBox2i screen = buffer->screenBox(part);
+        buffer->render(screen, nullptr);
+        buffer->paste(screen);
+    }
 }
 
 void Gi::projectBox(GiViewer* source, GiViewer* target, const McBox2i& box, McBox2i& result) const
@@ -249,10 +282,32 @@ void Gi::updateSelectionBoxes(McBox2i& box, GiViewer* viewer)
     }
 }
 
+int Gi::getMask(GiFrameBuffer* frameBuffer, McBitfield& mask)
+{
+    const GiViewer* viewer = frameBuffer->viewer;
+    if (!viewer || !viewer->maskingEnabled()) return 0;
+    int dims[3];
+    imageSlices.getDims(dims, viewer->getOrientation());
+    if (dims[2] < 1 || !imageSlices.data()) return 0;
+
+    unsigned char* data;
+    int strides[2];
+    imageSlices.accessSlice(viewer->getOrientation(), viewer->getSlice(), data, strides[0], strides[1]);
+    mask.resize(static_cast<unsigned long>(dims[0]) * static_cast<unsigned long>(dims[1]));
+    mask.unsetAll(); // the tests below only add
+    giDispatchImage(primType, data, [&](const auto* elements) {
+        computeMask(mask, dims, strides, elements, viewer->getMaskingWindow());
+    });
+    return 1;
+}
+
 void Gi::readSelectionDrawStyle()
 {
-    selectionDrawStyle =
-        static_cast<unsigned char>(HxSettingsMgr::getInstance()->getPreferences().selectionDrawStyle);
+    const HxPreferences& preferences = HxSettingsMgr::getInstance()->getPreferences();
+    selectionDrawStyle = static_cast<unsigned char>(preferences.selectionDrawStyle);
+    for (int i = 0; i < viewers.size(); ++i)
+        if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer())
+            buffer->selectionAlpha = preferences.selectionAlpha;
     redraw();
 }
 

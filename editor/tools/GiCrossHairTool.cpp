@@ -1,7 +1,40 @@
 #include "tools/GiCrossHairTool.h"
 
 #include "core/Gi.h"
+#include "core/GiOrientation.h"
+#include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
+#include "mc/McEvent.h"
+
+#include <QCursor>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int kReach = 3; // screen pixels on either side of a line that still take it
+constexpr int kVertical = 1, kHorizontal = 2;
+
+// Volume axes of a viewer's width, height and depth, by orientation.
+constexpr int kWidthAxis[3] = {1, 0, 0};
+constexpr int kHeightAxis[3] = {2, 2, 1};
+constexpr int kDepthAxis[3] = {0, 1, 2};
+
+// Colours of the lines across the axes: a line keeps one axis fixed, and each axis keeps its colour in all
+// viewers.
+constexpr unsigned char kAxisColor[3][3] = {{0, 0, 255}, {0, 255, 0}, {255, 0, 0}};
+
+int orientationOf(const GiFrameBuffer& frameBuffer)
+{
+    return frameBuffer.viewer ? giSliceAxis(frameBuffer.viewer->getOrientation()) : 0;
+}
+
+void setColor(GiFrameBuffer& frameBuffer, int axis)
+{
+    frameBuffer.setColor(kAxisColor[axis][0], kAxisColor[axis][1], kAxisColor[axis][2]);
+}
+
+} // namespace
 
 void GiCrossHairTool::setValueChangedCallback(Callback function, void* data)
 {
@@ -12,6 +45,67 @@ void GiCrossHairTool::setValueChangedCallback(Callback function, void* data)
 void GiCrossHairTool::valueChanged()
 {
     if (callback) callback(this, callbackData);
+}
+
+McVec2i GiCrossHairTool::lines(const GiFrameBuffer& frameBuffer) const
+{
+    const int o = orientationOf(frameBuffer);
+    return frameBuffer.pixelCentre(position[kWidthAxis[o]], position[kHeightAxis[o]]);
+}
+
+void GiCrossHairTool::render(GiFrameBuffer* frameBuffer, const McBox2i&)
+{
+    if (!visible) return;
+    const McVec2i at = lines(*frameBuffer);
+    const int o = orientationOf(*frameBuffer);
+    setColor(*frameBuffer, kWidthAxis[o]);
+    frameBuffer->writeColumn(at.x, 0, frameBuffer->zoomedSize.y - 1);
+    setColor(*frameBuffer, kHeightAxis[o]);
+    frameBuffer->writeRow(0, frameBuffer->zoomedSize.x - 1, at.y);
+}
+
+int GiCrossHairTool::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
+{
+    const McBox2i frame(0, 0, frameBuffer->zoomedSize.x - 1, frameBuffer->zoomedSize.y - 1);
+    if (!visible || !frame.contains(event->x, event->y)) return 0;
+    Gi* gi = frameBuffer->gi;
+
+    if (dragAxes != 0 && McMouseButtonEvent::isButtonReleaseEvent(event, 0)) {
+        frameBuffer->setBrowsing(false);
+        if (gi) gi->touchData(1, 0, 0, 0, 0, 0);
+    }
+    if (dragAxes != 0 && event->left) {
+        dragTo(*frameBuffer, event->x, event->y);
+        if (callback) {
+            frameBuffer->setBrowsing(true);
+            valueChanged();
+        } else if (gi) {
+            gi->redraw();
+        }
+        return 1;
+    }
+    const int axes = grab(*frameBuffer, event->x, event->y);
+    dragAxes = McMouseButtonEvent::isButtonPressEvent(event, 1) ? axes : 0;
+    return axes != 0;
+}
+
+void GiCrossHairTool::dragTo(GiFrameBuffer& frameBuffer, int x, int y)
+{
+    const int o = orientationOf(frameBuffer);
+    if (dragAxes & kVertical) position[kWidthAxis[o]] = frameBuffer.dataColumn(x);
+    if (dragAxes & kHorizontal) position[kHeightAxis[o]] = frameBuffer.dataRow(y);
+    if (frameBuffer.viewer) position[kDepthAxis[o]] = frameBuffer.viewer->getSlice();
+}
+
+int GiCrossHairTool::grab(GiFrameBuffer& frameBuffer, int x, int y)
+{
+    const McVec2i at = lines(frameBuffer);
+    const bool onVertical = std::abs(x - at.x) <= kReach, onHorizontal = std::abs(y - at.y) <= kReach;
+    if (onVertical || onHorizontal)
+        frameBuffer.setCursor(QCursor(!onVertical     ? Qt::SizeVerCursor
+                                      : !onHorizontal ? Qt::SizeHorCursor
+                                                      : Qt::SizeAllCursor));
+    return (onVertical ? kVertical : 0) | (onHorizontal ? kHorizontal : 0);
 }
 
 // Cross hair and viewers adjust each other; `sliceSyncBusy` keeps the answer to an adjustment from

@@ -2,6 +2,10 @@
 
 #include "display/GiShape.h"
 
+#include <QCursor>
+
+#include <optional>
+
 class Gi;
 class GiSelection2D;
 class HxViewerModalTool;
@@ -18,10 +22,13 @@ public:
     /// A new data set was attached.
     virtual void init() {}
     virtual void select() {}
-    /// Called once per viewer when the tool stops being the active one.
+    /// Called once per viewer when the tool stops being the active one; null for a viewer that draws
+    /// nothing.
     virtual void deselect(GiFrameBuffer*) {}
     /// An operation that the tool did not start has changed something; the codes are GiNotice.
     virtual void selectionNotify(int /*what*/) {}
+    /// The cursor over the viewers while the tool is active. Lives as long as the tool.
+    virtual const QCursor* getToolCursor() const;
     /// The tool that stands for this one in a viewer's own tool list; null if none does.
     virtual HxViewerModalTool* wrapper() { return nullptr; }
     /// The user moved the tool data window.
@@ -29,9 +36,18 @@ public:
     /// A tool whose marks belong to other materials takes them out of a slice transfer here.
     virtual bool guardsSeeds() const { return false; }
     virtual void lockInactiveSeeds(GiSelection2D&) {}
+    /// Pan tool or cross hair took an event of this viewer: a mark that follows the pointer has to go.
+    virtual void eventTakenElsewhere(GiFrameBuffer*) {}
 
     const char* name = "";
 
 protected:
+    /// Makes the tool's own cursor; an arrow here. Asked for once, and only when there is a display to
+    /// show it: tools also run in scripts without one.
+    virtual QCursor makeCursor() const;
+
     Gi* gi;
+
+private:
+    mutable std::optional<QCursor> cursor;
 };

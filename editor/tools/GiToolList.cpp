@@ -3,19 +3,24 @@
 
 #include "core/Gi.h"
 #include "core/GiNotice.h"
+#include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "tools/GiCrossHairTool.h"
+#include "tools/GiPanTool.h"
 #include "tools/GiTool.h"
 
 namespace {
 
 constexpr int kNumTools = 7; // pick region, brush, lasso, magic wand, threshold, blow tool, pan
+constexpr int kPanToolIndex = 6;
 
 } // namespace
 
 void Gi::createTools()
 {
     for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
+    panTool = tools[kPanToolIndex] = new GiPanTool(this);
+    panTool->ref();
     crossHair = new GiCrossHairTool;
     crossHair->ref();
     crossHair->setValueChangedCallback(&Gi::crossHairCBs, this);
@@ -31,15 +36,26 @@ void Gi::destroyTools()
     crossHair = nullptr;
 }
 
+void Gi::leaveTool()
+{
+    for (int i = 0; currentTool && i < viewers.size(); ++i) {
+        GiFrameBuffer* buffer = viewers[i]->getFrameBuffer();
+        currentTool->deselect(buffer);
+        if (buffer) buffer->removeShape(currentTool);
+    }
+    currentTool = nullptr;
+}
+
 void Gi::setTool(int index)
 {
-    if (currentTool)
-        for (int i = 0; i < viewers.size(); ++i) currentTool->deselect(nullptr);
-    currentTool = nullptr;
+    leaveTool();
     if (index < 0 || index >= tools.size()) return;
     currentTool = tools[index];
     if (currentTool) {
-        for (int i = 0; i < viewers.size(); ++i) viewers[i]->activateTool(currentTool->wrapper());
+        for (int i = 0; i < viewers.size(); ++i) {
+            if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer()) buffer->addShape(currentTool);
+            viewers[i]->activateTool(currentTool->wrapper());
+        }
         currentTool->select();
     }
     updateCursor();

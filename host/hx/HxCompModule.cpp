@@ -44,6 +44,9 @@ void HxCompModule::run()
 void HxCompModule::fire()
 {
     if (firing) return;
+    // compute() can take its own module out of the pool. One that nobody counts stays uncounted: it would go
+    // with this reference.
+    const McHandle<HxCompModule> keep(refCount() > 0 ? this : nullptr);
     firing = true;
     const AtEnd resting{[this] { firing = false; }};
     run();

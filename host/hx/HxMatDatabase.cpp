@@ -17,25 +17,10 @@ struct Default
     float rgb[3];
 };
 
-// Names as they are used for anatomy and for plain work; colours near those of an atlas, and far
-// enough from each other to be told apart side by side.
+// What there is without the resource file, whose lines come on top.
 constexpr Default kDefaults[] = {
-    {"Exterior", {0.0f, 0.0f, 0.0f}},      {"Inside", {0.64f, 0.0f, 0.8f}},
-    {"Muscle", {0.78f, 0.24f, 0.2f}},      {"Fat", {0.96f, 0.86f, 0.4f}},
-    {"Bone", {0.94f, 0.92f, 0.84f}},       {"Skin", {0.93f, 0.69f, 0.55f}},
-    {"Air", {0.55f, 0.78f, 0.94f}},        {"Blood", {0.7f, 0.04f, 0.1f}},
-    {"Artery", {0.9f, 0.1f, 0.12f}},       {"Vein", {0.16f, 0.3f, 0.78f}},
-    {"Heart", {0.75f, 0.2f, 0.32f}},       {"Lung", {0.62f, 0.8f, 0.86f}},
-    {"Liver", {0.55f, 0.27f, 0.14f}},      {"Gallbladder", {0.45f, 0.6f, 0.12f}},
-    {"Kidney", {0.72f, 0.4f, 0.16f}},      {"Spleen", {0.52f, 0.18f, 0.42f}},
-    {"Pancreas", {0.9f, 0.62f, 0.28f}},    {"Stomach", {0.88f, 0.5f, 0.55f}},
-    {"Bowel", {0.8f, 0.6f, 0.46f}},        {"Bladder", {0.86f, 0.78f, 0.16f}},
-    {"Brain", {0.8f, 0.66f, 0.68f}},       {"Gray_Matter", {0.6f, 0.56f, 0.58f}},
-    {"White_Matter", {0.9f, 0.9f, 0.88f}}, {"CSF", {0.3f, 0.62f, 0.7f}},
-    {"Nerve", {0.98f, 0.92f, 0.2f}},       {"Spinal_Cord", {0.84f, 0.8f, 0.5f}},
-    {"Eye", {0.3f, 0.5f, 0.85f}},          {"Cartilage", {0.6f, 0.86f, 0.78f}},
-    {"Tendon", {0.86f, 0.88f, 0.72f}},     {"Tumor", {0.2f, 0.75f, 0.2f}},
-    {"Implant", {0.5f, 0.52f, 0.6f}},      {"Background", {0.1f, 0.1f, 0.1f}},
+    {"Exterior", {0.0f, 0.0f, 0.0f}}, {"Inside", {0.64f, 0.0f, 0.8f}}, {"Muscle", {0.78f, 0.24f, 0.2f}},
+    {"Fat", {0.96f, 0.86f, 0.4f}},    {"Bone", {0.94f, 0.92f, 0.84f}}, {"Skin", {0.93f, 0.69f, 0.55f}},
 };
 
 /// 32-bit FNV-1a: Fowler, Noll and Vo, as in the IETF draft "The FNV Non-Cryptographic Hash".

@@ -16,7 +16,7 @@ public:
     /// The known materials, a bundle with "Color" each.
     HxParamBundle* materials() { return &known; }
 
-    /// Adds a person's own materials, or changes the colours of known ones. Each line of the file
+    /// Adds materials to the few that are built in, or changes their colours. Each line of the file
     /// holds a name and three numbers from 0 to 1; empty lines and those that begin with '#' are
     /// skipped. False, with one sentence in `error`, if it cannot be read; nothing is changed then.
     bool load(const char* path, McString& error);

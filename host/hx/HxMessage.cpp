@@ -2,8 +2,6 @@
 
 #include "hx/HxFormat.h"
 
-#include <cstdio>
-
 namespace {
 
 std::vector<std::string> present(const char* b0, const char* b1, const char* b2)
@@ -37,16 +35,26 @@ void HxMessage::printf(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    std::string line = hxFormat(format, arguments);
+    const std::string line = hxFormat(format, arguments);
     va_end(arguments);
+    show(line, stderr);
+}
 
+void HxMessage::echo(const char* text)
+{
+    show(text, stdout);
+}
+
+void HxMessage::show(std::string entry, std::FILE* stream) const
+{
     if (sink) {
-        sink(line.c_str());
+        sink(entry.c_str());
         return;
     }
-    if (line.ends_with('\n')) line.pop_back();
-    std::fprintf(stdout, "%s\n", line.c_str());
-    std::fflush(stdout);
+    if (entry.ends_with('\n')) entry.pop_back();
+    std::fprintf(stream, "%s\n", entry.c_str());
+    // Line by line, so that both streams keep their order where they end in one file.
+    std::fflush(stream);
 }
 
 void HxMessage::memError(unsigned long bytes)
@@ -102,13 +110,7 @@ int HxMessage::ask(const HxDialogRequest& request)
     }
     if (dialogHandler) return checked(dialogHandler(request), "The dialog's answer");
 
-    std::string text = request.text;
-    if (sink) {
-        sink(text.c_str());
-    } else {
-        if (text.ends_with('\n')) text.pop_back();
-        std::fprintf(stderr, "%s\n", text.c_str());
-    }
+    show(request.text, stderr);
     return request.escapeIndex;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -38,6 +39,9 @@ public:
     /// One console entry per call. Drops one trailing newline and keeps all others.
     void printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
+    /// One console entry that a script asked for: its result, where printf() has the program's remarks.
+    void echo(const char* text);
+
     /// Reports on the console that memory ran out; 0: size unknown.
     void memError(unsigned long bytes = 0);
 
@@ -61,14 +65,14 @@ public:
     static void setDialogHandler(DialogHandler handler);
 
     /// Takes the console lines from now on, one call per entry with the text as formatted, trailing newline
-    /// included. Without a sink they go to standard output, and the texts of unanswered dialogs to standard
-    /// error.
+    /// included. Without a sink all go to standard error, echoed lines alone to standard output.
     static void setSink(Sink sink);
 
 private:
     HxMessage() = default;
 
     int ask(const HxDialogRequest& request);
+    void show(std::string entry, std::FILE* stream) const;
 
     DialogHandler dialogHandler;
     Sink sink;

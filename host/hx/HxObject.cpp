@@ -4,6 +4,7 @@
 #include "hx/HxConnection.h"
 #include "hx/HxObjectPool.h"
 #include "hx/HxPort.h"
+#include "mc/McHandle.h"
 
 #include <algorithm>
 #include <cstring>
@@ -85,8 +86,9 @@ void HxObject::notifyUpdate(int how)
 
 void HxObject::fireDownstream()
 {
-    // A module that fires can connect and disconnect others, and objects can go: the list is
+    // A module that fires can connect and disconnect others, and objects can go, this one too: the list is
     // copied, and each entry must still be there when its turn comes.
+    const McHandle<HxObject> keep(refCount() > 0 ? this : nullptr);
     const std::vector<HxConnection*> connections = downstream;
     for (HxConnection* connection : connections) {
         if (std::find(downstream.begin(), downstream.end(), connection) == downstream.end()) continue;

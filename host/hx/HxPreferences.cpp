@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <functional>
 #include <sstream>
@@ -39,7 +40,7 @@ bool isNumberList(const std::string& text, const std::string& kinds)
         int whole = 0;
         const auto result = kinds[count] == 'd' ? std::from_chars(word.data(), end, whole)
                                                 : std::from_chars(word.data(), end, real);
-        if (result.ec != std::errc() || result.ptr != end) return false;
+        if (result.ec != std::errc() || result.ptr != end || !std::isfinite(real)) return false;
         ++count;
     }
     return count == kinds.size();

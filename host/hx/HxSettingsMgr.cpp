@@ -3,6 +3,7 @@
 #include "hx/HxMessage.h"
 #include "mc/McThreads.h"
 
+#include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -12,6 +13,16 @@ namespace {
 
 constexpr const char* kPreferencesGroup = "preferences";
 constexpr const char* kGeometryGroup = "geometry";
+
+/// Whether the file exists with a content that a write would destroy: a mistyped name can be that of data.
+bool holdsSomethingElse(const QSettings& store)
+{
+    const QFileInfo file(store.fileName());
+    if (!file.exists() || (file.isFile() && file.size() == 0)) return false;
+    const QStringList groups = store.childGroups();
+    return store.status() != QSettings::NoError ||
+           !(groups.contains(kPreferencesGroup) || groups.contains(kGeometryGroup));
+}
 
 } // namespace
 
@@ -81,35 +92,39 @@ void HxSettingsMgr::useMemoryStore()
     getInstance()->read();
 }
 
-void HxSettingsMgr::useFile(const char* path)
+bool HxSettingsMgr::useFile(const char* path)
 {
     getInstance()->storePath = QString::fromUtf8(path);
-    getInstance()->read();
+    return getInstance()->read();
 }
 
-void HxSettingsMgr::useUserStore()
+bool HxSettingsMgr::useUserStore()
 {
     getInstance()->storePath =
         QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/vorel/vorel.ini";
-    getInstance()->read();
+    return getInstance()->read();
 }
 
-void HxSettingsMgr::read()
+bool HxSettingsMgr::read()
 {
     preferences = HxPreferences();
     geometries.clear();
     changed = false;
-    if (!storePath.isEmpty()) readStore();
+    const bool usable = storePath.isEmpty() || readStore();
     // The parallel loops of the layer below know no settings; they are told.
     mcSetNumThreads(numThreads());
+    return usable;
 }
 
-void HxSettingsMgr::readStore()
+bool HxSettingsMgr::readStore()
 {
     QSettings store(storePath, QSettings::IniFormat);
-    if (store.status() != QSettings::NoError)
-        HxMessage::getTheMsg()->printf("%s: not a preferences file, starting from defaults.",
+    if (holdsSomethingElse(store)) {
+        HxMessage::getTheMsg()->printf("%s: not a preferences file; it is left as it is.",
                                        qPrintable(storePath));
+        storePath.clear();
+        return false;
+    }
     store.beginGroup(kPreferencesGroup);
     for (const char* name : HxPreferences::fieldNames()) {
         if (!store.contains(name)) {
@@ -125,4 +140,5 @@ void HxSettingsMgr::readStore()
     store.beginGroup(kGeometryGroup);
     for (const QString& key : store.childKeys()) geometries[key.toStdString()] = store.value(key).toRect();
     store.endGroup();
+    return true;
 }

@@ -42,11 +42,12 @@ public:
     static void useMemoryStore();
 
     /// Reads this file, if it exists, and writes it from now on. A value that cannot be used is reported on
-    /// the console and replaced by the default.
-    static void useFile(const char* path);
+    /// the console and replaced by the default. A file that holds something else than preferences is left
+    /// alone: false, with a console message, and the store is memory.
+    static bool useFile(const char* path);
 
     /// Like useFile, with the file of this user's settings.
-    static void useUserStore();
+    static bool useUserStore();
 
 signals:
     void preferencesChanged(const HxPreferences& old, const HxPreferences& now);
@@ -54,8 +55,8 @@ signals:
 private:
     HxSettingsMgr() = default;
 
-    void read();
-    void readStore();
+    bool read();
+    bool readStore();
 
     HxPreferences preferences;
     std::map<std::string, QRect> geometries;

@@ -11,6 +11,9 @@ HxSkin* HxSkin::getGlobalInstance()
 McString HxSkin::getPathToHelpFile(const char* file, const char* package) const
 {
     std::string folder = HxPackage::resourceFolder(package);
-    if (folder.empty()) folder = HxPackage::resourceFolders().front() + "/" + package;
+    if (folder.empty()) {
+        const std::vector<std::string> folders = HxPackage::resourceFolders();
+        folder = (folders.empty() ? std::string() : folders.front() + "/") + package;
+    }
     return folder + "/" + file;
 }

@@ -1,6 +1,7 @@
 #include "hx/HxHistogramInterface.h"
 #include "hx/HxMatDatabase.h"
 #include "hx/HxObjectPool.h"
+#include "hx/HxPackage.h"
 #include "hx/HxPreferences.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxStackedLabelField3.h"
@@ -19,6 +20,7 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -370,6 +372,22 @@ TEST(HxMatDatabase, KnownNamesHaveTheirColourAndOthersOneOfTheirOwn)
         ASSERT_TRUE(database.materials()->bundle(name, 0)->findColor(rgb));
         EXPECT_EQ(database.getColor(name), McColor(rgb[0], rgb[1], rgb[2]));
     }
+    // The colours of the built-in names are those of the file that comes with the program, where more follow.
+    McString error;
+    const std::string file = HxPackage::resourceFolders().front() + "/materials.txt";
+    const HxParamBundle builtIn(*database.materials());
+    ASSERT_TRUE(database.load(file.c_str(), error)) << error.c_str();
+    EXPECT_GT(database.materials()->nBundles(), 20);
+    for (int i = 0; i < builtIn.nBundles(); i++) {
+        float rgb[3];
+        ASSERT_TRUE(builtIn.bundle(i)->findColor(rgb));
+        EXPECT_EQ(database.getColor(builtIn.bundle(i)->getName()), McColor(rgb[0], rgb[1], rgb[2]));
+    }
+    const HxParamBundle loaded(*database.materials());
+    EXPECT_FALSE(database.load("/nowhere/materials.txt", error));
+    EXPECT_EQ(database.materials()->nBundles(), loaded.nBundles());
+    database.materials()->copy(builtIn);
+
     EXPECT_EQ(database.getColor("Material7"), database.getColor("Material7"));
     EXPECT_FALSE(database.getColor("Material7") == database.getColor("Material8"));
     // FNV-1a of the empty text is 2166136261, and that modulo 360 is 61: just past yellow.

@@ -49,14 +49,19 @@ TEST_F(HxMessageTest, TheSinkGetsEachEntryUnchanged)
     EXPECT_THAT(lines, ElementsAre("max label is 4\n", "two\nlines\n\n", big));
 }
 
-TEST_F(HxMessageTest, StandardOutputLosesOneTrailingNewlineOnly)
+TEST_F(HxMessageTest, RemarksGoToStandardErrorAndEchoesToStandardOutput)
 {
+    msg.echo("50%");
+    EXPECT_THAT(lines, ElementsAre("50%"));
     HxMessage::setSink({});
     testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
     msg.printf("one\n");
     msg.printf("two\n\n");
+    msg.echo("result\n");
     msg.printf("three");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "one\ntwo\n\nthree\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\ntwo\n\nthree\n") << "one line end is dropped";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "result\n");
 }
 
 TEST_F(HxMessageTest, UnansweredQuestionsTakeTheEscapeButtonAndSayTheirTextOnStandardError)

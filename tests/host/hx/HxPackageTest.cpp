@@ -143,6 +143,8 @@ TEST_F(HxPackageTest, FilesOfAPackageLieBesideItsResourceFile)
     EXPECT_EQ(HxPackage::findResource("page.html"), page);
     EXPECT_EQ(HxPackage::findResource("none.html"), "");
 
+    qputenv("VOREL_RESOURCES", QByteArray(":"));
+    EXPECT_STREQ(skin->getPathToHelpFile("none.html", "nowhere"), "nowhere/none.html") << "no folder at all";
     qputenv("VOREL_RESOURCES", QByteArray("/nonexistent"));
     EXPECT_EQ(HxPackage::start(), 1) << "the announced library does not exist";
     EXPECT_THAT(lines, testing::ElementsAre(HasSubstr("libtest_help.so")));

@@ -89,6 +89,31 @@ public:
     }
 };
 
+/// Takes its input and itself out of the pool, and tells whether it still was there afterwards.
+class LeavingModule : public HxCompModule
+{
+public:
+    LeavingModule(bool& goneFlag, bool& thereFlag)
+        : HxCompModule(McTypeId::of<HxRegScalarField3>()), gone(goneFlag), wasThere(thereFlag)
+    {
+    }
+    ~LeavingModule() override { gone = true; }
+
+    void compute() override
+    {
+        pool().removeObject(portData.source());
+        // Not read through this module, which may not be there any more.
+        const bool& isGone = gone;
+        bool& isThere = wasThere;
+        pool().removeObject(this);
+        isThere = !isGone;
+    }
+
+private:
+    bool& gone;
+    bool& wasThere;
+};
+
 } // namespace
 
 TEST_F(HxPool, TellsInOrderAndAfterTheChange)
@@ -273,6 +298,19 @@ TEST_F(HxPool, ModulesSeeNewPortsOnceAndCloseWhatTheyLeaveOpen)
     McString result;
     EXPECT_EQ(HxInterpreter::getTheInterpreter()->eval("m fire", result), TCL_ERROR);
     EXPECT_EQ(result, "m: It broke.");
+}
+
+TEST_F(HxPool, AModuleMayTakeItselfOrItsInputOutOfThePoolWhileItComputes)
+{
+    HxObject* image = newImage("image");
+    bool gone = false;
+    bool wasThere = false;
+    auto* module = added(new LeavingModule(gone, wasThere), "leaving");
+    module->portData.connect(image);
+    image->fire();
+    EXPECT_TRUE(wasThere) << "it lives until its fire has ended";
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(pool().size(), 0);
 }
 
 TEST_F(HxPool, ResultsFireWhatDependsOnThemAndLoopsEnd)

@@ -7,7 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -121,6 +123,37 @@ TEST_F(HxSettingsTest, BadValuesInAFileAreReportedAndReplacedByDefaults)
     EXPECT_THAT(lines[0], testing::HasSubstr("c.ini: Preference \"selectionAlpha\" takes"));
 }
 
+TEST_F(HxSettingsTest, AFileOfSomethingElseIsLeftAlone)
+{
+    const struct
+    {
+        const char* name;
+        QByteArray content;
+    } cases[] = {{"scan.nrrd", QByteArray("NRRD0004\ntype: uchar\ndimension: 3\n\n\0\1\2\xff", 42)},
+                 {"other.ini", "[desktop]\ncolor=7\n"},
+                 {"noGroup.ini", "selectionAlpha=7\n"}};
+    for (const auto& c : cases) {
+        QFile file(path(c.name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(c.content);
+        file.close();
+        lines.clear();
+        EXPECT_FALSE(HxSettingsMgr::useFile(path(c.name))) << c.name;
+        EXPECT_THAT(lines, testing::ElementsAre(testing::HasSubstr("not a preferences file"))) << c.name;
+        settings.setPreferences(changedInAllFields(), true);
+        EXPECT_TRUE(settings.write());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), c.content) << c.name;
+    }
+    EXPECT_FALSE(HxSettingsMgr::useFile(dir.path().toUtf8())) << "a folder";
+
+    QFile empty(path("empty.ini"));
+    ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
+    empty.close();
+    EXPECT_TRUE(HxSettingsMgr::useFile(path("empty.ini")));
+    EXPECT_TRUE(HxSettingsMgr::useFile(path("new.ini")));
+}
+
 TEST_F(HxSettingsTest, AStoreThatCannotBeWrittenIsReported)
 {
     HxSettingsMgr::useFile("/proc/nowhere/x.ini");
@@ -131,8 +164,8 @@ TEST_F(HxSettingsTest, AStoreThatCannotBeWrittenIsReported)
 
 TEST_F(HxSettingsTest, ThreadsAreAtLeastOneAndAtMostEightAtFirst)
 {
-    EXPECT_GE(HxPreferences().numThreads, 1);
-    EXPECT_LE(HxPreferences().numThreads, 8);
+    const int cores = static_cast<int>(std::thread::hardware_concurrency());
+    EXPECT_EQ(HxPreferences().numThreads, std::max(1, std::min(cores, 8)));
     HxPreferences none;
     none.numThreads = 0;
     settings.setPreferences(none, true);
@@ -172,6 +205,8 @@ TEST_F(HxSettingsTest, FieldsTakeOnlyTheirValues)
         {"giOrientation", "0 1 0 x", false},
         {"giMagicWand", "0.5 1e3 1 0 0 1 -2", true},
         {"giMagicWand", "0.5 1 1.5 0 0 1 2", false},
+        {"giMagicWand", "1 2 3 4 5 6 nan", false},
+        {"giMagicWand", "inf 1 1 0 0 1 2", false},
         {"noSuchField", "1", false},
     };
     for (const FieldCase& c : cases) {

@@ -1,0 +1,282 @@
+// How big a slice is on screen, which slice is shown, and what the editor asks of its viewers.
+
+#include "editor/display/DrawnEditor.h"
+
+#include "hx/HxSettingsMgr.h"
+#include "mc/McElementType.h"
+#include "mc/McEvent.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+
+namespace {
+
+struct SizeCase
+{
+    const char* what;
+    float zoom;
+    int dims[3];
+    float extent[3];
+    int matched;
+    McVec2i sizes[3];
+};
+
+TEST(ZoomedSizes, followThePhysicalProportions)
+{
+    const SizeCase cases[] = {
+        {"long z", 1, {100, 100, 100}, {100, 100, 200}, 1, {{100, 200}, {100, 200}, {100, 100}}},
+        {"cube", 2, {256, 256, 256}, {1, 1, 1}, 1, {{512, 512}, {512, 512}, {512, 512}}},
+        {"a line of voxels", 4, {1, 1, 50}, {0, 0, 49}, 1, {{1, 1}, {1, 1}, {1, 1}}},
+        {"one voxel", 4, {1, 1, 1}, {0, 0, 0}, 1, {{1, 1}, {1, 1}, {1, 1}}},
+        {"most voxels along y", 1, {50, 80, 20}, {100, 80, 40}, 1, {{80, 40}, {100, 40}, {100, 80}}},
+        {"the same, each view for itself",
+         1,
+         {50, 80, 20},
+         {100, 80, 40},
+         0,
+         {{80, 40}, {50, 20}, {100, 80}}},
+        {"most along z, unmatched", 2, {10, 20, 40}, {10, 40, 40}, 0, {{80, 80}, {20, 80}, {20, 80}}},
+        {"unmatched without width", 1, {1, 40, 30}, {0, 40, 60}, 0, {{40, 60}, {1, 30}, {1, 40}}},
+        {"dropped pixels", 0.25f, {10, 10, 2}, {10, 10, 1}, 1, {{3, 1}, {3, 1}, {3, 3}}},
+        {"no extent at all", 1, {3, 3, 3}, {0, 0, 0}, 1, {{1, 1}, {3, 1}, {3, 1}}},
+    };
+    for (const SizeCase& c : cases) {
+        const float box[6] = {5, 5 + c.extent[0], 0, c.extent[1], -1, c.extent[2] - 1};
+        McVec2i sizes[3];
+        GiViewer::computeZoomedSizes(c.zoom, c.dims, box, c.matched, sizes);
+        for (int o = 0; o < 3; ++o) EXPECT_EQ(sizes[o], c.sizes[o]) << c.what << ", orientation " << o;
+    }
+}
+
+TEST(Replication, isEvenOrFollowsTheSlicePositions)
+{
+    int even[5];
+    GiViewer::computeReplicUniform(5, 12, even);
+    EXPECT_THAT(even, ElementsAre(2, 2, 3, 2, 3));
+    int dropped[4];
+    GiViewer::computeReplicUniform(4, 2, dropped);
+    EXPECT_THAT(dropped, ElementsAre(0, 1, 0, 1));
+    const float z[] = {0, 1, 3};
+    int stacked[3];
+    GiViewer::computeReplicStacked(3, 6, z, stacked);
+    EXPECT_THAT(stacked, ElementsAre(1, 3, 2));
+    GiViewer::computeReplicStacked(1, 6, z, stacked);
+    EXPECT_EQ(stacked[0], 6);
+}
+
+class SliceViewer : public testing::Test
+{
+protected:
+    SliceViewer() : editor(6, 5, 4)
+    {
+        for (unsigned long i = 0; i < editor.size(); ++i) image.push_back(static_cast<short>(i));
+        editor.gi.primType = 1;
+        editor.gi.setVolume(editor.dims, McTypedPointer(image.data(), kMcShort), editor.lattice());
+    }
+
+    DrawnEditor editor;
+    std::vector<short> image;
+};
+
+TEST_F(SliceViewer, limitsSlicesAndTellsTheEditorOnRequest)
+{
+    GiViewer& viewer = editor.viewer(2);
+    EXPECT_EQ(viewer.getSlice(), 1) << "setVolume shows the middle";
+    viewer.setSlice(-5, false);
+    EXPECT_EQ(viewer.getSlice(), 0);
+    viewer.setSlice(10000, false);
+    EXPECT_EQ(viewer.getSlice(), 3);
+    EXPECT_EQ(editor.buffer(2).originalSize, McVec2i(6, 5));
+    EXPECT_EQ(viewer.getSelection()->offset, 90u);
+}
+
+TEST_F(SliceViewer, flipsWithTheVolumeAxes)
+{
+    const bool expected[3][8][2] = {// by orientation and flip bits: horizontal, vertical
+                                    {{0, 1}, {0, 1}, {1, 1}, {1, 1}, {0, 0}, {0, 0}, {1, 0}, {1, 0}},
+                                    {{0, 1}, {1, 1}, {0, 1}, {1, 1}, {0, 0}, {1, 0}, {0, 0}, {1, 0}},
+                                    {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 0}, {1, 0}, {0, 1}, {1, 1}}};
+    for (int o = 0; o < 3; ++o)
+        for (int bits = 0; bits < 8; ++bits) {
+            editor.viewer(o).setFlip(bits & 1, bits & 2, bits & 4);
+            EXPECT_EQ(editor.buffer(o).flipX, expected[o][bits][0]) << o << " " << bits;
+            EXPECT_EQ(editor.buffer(o).flipY, expected[o][bits][1]) << o << " " << bits;
+        }
+}
+
+TEST_F(SliceViewer, drawsNothingWithoutLabels)
+{
+    editor.gi.labelLattice = nullptr;
+    editor.viewer(0).setSlice(1, true);
+    EXPECT_EQ(editor.viewer(0).getGreyImage()->packed, nullptr);
+    editor.buffer(0).clear();
+    editor.viewer(0).redraw();
+    for (const unsigned int pixel : pictureOf(editor.buffer(0))) ASSERT_EQ(pixel, 0x808080u);
+}
+
+TEST_F(SliceViewer, fillsItsWindowAndKeepsTheMiddle)
+{
+    GiMemoryFrameBuffer& buffer = editor.buffer(2);
+    buffer.setWindowSize(McVec2i(20, 10));
+    editor.viewer(2).setZoomFactor(1);
+    EXPECT_EQ(buffer.memSize, McVec2i(6, 5));
+    editor.viewer(2).setZoomFactor(10);
+    EXPECT_EQ(buffer.memSize, McVec2i(20, 10));
+    EXPECT_EQ(buffer.originalCoordsX[10], 3) << "the middle column stays in the middle";
+    buffer.setOffset(McVec2i(-7, 1000));
+    EXPECT_EQ(buffer.offset, McVec2i(0, buffer.zoomedSize.y - 10));
+    buffer.setWindowSize(McVec2i(500, 400));
+    EXPECT_EQ(buffer.memSize, buffer.zoomedSize);
+    EXPECT_EQ(buffer.offset, McVec2i(0, 0));
+}
+
+TEST_F(SliceViewer, stacksSpreadTheRowsOfTheirSlices)
+{
+    auto* coords = new HxLatticeCoords(HxLatticeCoords::kStacked, editor.dims);
+    const McHandle<HxLabelField3> stack((new HxLabelLattice3(coords))->create());
+    const float z[] = {0, 1, 2, 6};
+    coords->setZPositions(z);
+    editor.gi.setVolume(editor.dims, McTypedPointer(image.data(), kMcShort), stack->labelLattice());
+    editor.viewer(1).setZoomFactor(4);
+    int rows[4], columns[6];
+    GiViewer::computeReplicStacked(4, editor.buffer(1).zoomedSize.y, z, rows);
+    GiViewer::computeReplicUniform(6, editor.buffer(1).zoomedSize.x, columns);
+    EXPECT_THAT(std::vector<int>(editor.buffer(1).replicY.begin(), editor.buffer(1).replicY.end()),
+                testing::ElementsAreArray(rows));
+    EXPECT_THAT(std::vector<int>(editor.buffer(1).replicX.begin(), editor.buffer(1).replicX.end()),
+                testing::ElementsAreArray(columns));
+    EXPECT_GT(rows[3], rows[1]);
+}
+
+TEST_F(SliceViewer, masksTheCurrentSliceByTheWindow)
+{
+    Gi& gi = editor.gi;
+    McBitfield mask(3);
+    mask.set(1);
+    EXPECT_EQ(gi.getMask(&editor.buffer(1), mask), 0);
+    EXPECT_EQ(mask.numBits(), 3u) << "left alone while masking is off";
+    for (int v = 0; v < 3; ++v) {
+        editor.viewer(v).setMaskingEnabled(true);
+        editor.viewer(v).setMaskingWindow(20, 100, true);
+        editor.viewer(v).setSlice(2, false);
+        mask.resize(0);
+        mask.resize(30);
+        mask.set(0);
+        ASSERT_EQ(gi.getMask(&editor.buffer(v), mask), 1);
+        const int w = editor.buffer(v).originalSize.x, h = editor.buffer(v).originalSize.y;
+        ASSERT_EQ(mask.numBits(), static_cast<unsigned long>(w * h));
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const McVec3i p = gi.getPoint3D(x, y, &editor.viewer(v));
+                const int value = p.x + 6 * (p.y + 5 * p.z);
+                ASSERT_EQ(mask.isSet(static_cast<unsigned long>(y * w + x)), value >= 20 && value <= 100);
+            }
+    }
+}
+
+TEST_F(SliceViewer, zoomingStopsAtOnePixelAndAtADot)
+{
+    Gi& gi = editor.gi;
+    for (int v = 0; v < 3; ++v) editor.buffer(v).setWindowSize(McVec2i(8, 8));
+    gi.setZoomFactor(6);
+    gi.zoomIn();
+    EXPECT_EQ(gi.viewers[0]->getZoomFactor(), 9);
+    gi.zoomIn();
+    EXPECT_EQ(gi.viewers[0]->getZoomFactor(), 9) << "a data pixel fills the window";
+    for (int i = 0; i < 20; ++i) gi.zoomOut();
+    EXPECT_LT(editor.buffer(2).zoomedSize.x, 2);
+    EXPECT_GT(gi.viewers[0]->getZoomFactor(), 0.1f);
+}
+
+TEST_F(SliceViewer, redrawsTheProjectionOfAChangeInEachViewer)
+{
+    class Pasted : public GiShape
+    {
+    public:
+        void render(GiFrameBuffer*, const McBox2i& box) override { boxes.push_back(box); }
+        std::vector<McBox2i> boxes;
+    };
+    Gi& gi = editor.gi;
+    gi.setZoomFactor(3);
+    gi.viewers[0]->setSlice(4, false); // X = 4, beyond the box
+    gi.viewers[1]->setSlice(2, false); // Y = 2
+    gi.viewers[2]->setSlice(3, false); // Z = 3
+    McHandle<Pasted> shapes[3];
+    for (int v = 0; v < 3; ++v) {
+        shapes[v] = new Pasted;
+        editor.buffer(v).addShape(shapes[v]);
+    }
+    gi.redraw(McBox2i(1, 2, 3, 9), gi.viewers[2]);
+    EXPECT_TRUE(shapes[0]->boxes.empty());
+    EXPECT_THAT(shapes[1]->boxes, ElementsAre(McBox2i(3, 9, 11, 11)));
+    EXPECT_THAT(shapes[2]->boxes, ElementsAre(McBox2i(3, 6, 11, 14))) << "rows beyond the slice end with it";
+}
+
+TEST_F(SliceViewer, subtractingRepaintsAPixelBeyondTheSelection)
+{
+    Gi& gi = editor.gi;
+    gi.selectionDrawStyle = 0;
+    gi.setZoomFactor(2);
+    for (unsigned long i = 30; i < 60; ++i) editor.labels()[i] = i % 6 < 4 ? 1 : 2;
+    gi.viewers[2]->setSlice(1, true);
+    for (int x = 1; x < 4; ++x) gi.viewers[2]->getSelection()->set(x, 2);
+    gi.viewers[2]->getSelection()->computeSelectionBox();
+    gi.viewers[2]->redraw();
+    gi.subtractSelection(1, 0);
+    EXPECT_EQ(editor.labels()[30 + 2 * 6 + 2], 2);
+    const auto repainted = pictureOf(editor.buffer(2));
+    gi.viewers[2]->redraw();
+    EXPECT_EQ(repainted, pictureOf(editor.buffer(2)));
+}
+
+TEST_F(SliceViewer, takesTheBlendWeightFromThePreferences)
+{
+    HxPreferences preferences;
+    preferences.selectionAlpha = 17;
+    preferences.selectionDrawStyle = 3;
+    HxSettingsMgr::getInstance()->setPreferences(preferences, false);
+    editor.gi.readSelectionDrawStyle();
+    HxSettingsMgr::getInstance()->setPreferences(HxPreferences(), false);
+    EXPECT_EQ(editor.buffer(1).selectionAlpha, 17);
+    EXPECT_EQ(editor.gi.selectionDrawStyle, 3);
+}
+
+TEST_F(SliceViewer, theKeyDChangesDrawStyles)
+{
+    Gi& gi = editor.gi;
+    const auto press = [&](int shift, int x, int y) {
+        McKeyboardEvent event;
+        event.key = 'd';
+        event.shift = shift;
+        event.x = x;
+        event.y = y;
+        return gi.viewers[2]->getLabelImage()->handleEvent(&editor.buffer(2), &event);
+    };
+    gi.drawStyle2D[7] = 0;
+    EXPECT_EQ(press(0, 0, 0), 1);
+    EXPECT_EQ(gi.drawStyle2D[1], 2);
+    EXPECT_EQ(gi.drawStyle2D[7], 0) << "hidden materials stay hidden";
+    gi.drawStyle2D[1] = 4;
+    press(0, 0, 0);
+    EXPECT_EQ(gi.drawStyle2D[1], 1);
+    EXPECT_EQ(gi.drawStyle2D[200], 1);
+
+    gi.setZoomFactor(2);
+    gi.viewers[2]->setSlice(0, false);
+    editor.labels()[6 + 3] = 7; // pixel (3, 1)
+    EXPECT_EQ(press(1, 7, 3), 1);
+    EXPECT_EQ(gi.drawStyle2D[7], 1);
+    gi.drawStyle2D[7] = 4;
+    press(1, 7, 3);
+    EXPECT_EQ(gi.drawStyle2D[7], 0);
+    EXPECT_EQ(press(1, -1, 3), 1) << "taken, without effect";
+    EXPECT_EQ(gi.drawStyle2D[0], 0);
+    McKeyboardEvent release;
+    release.key = 'd';
+    release.released = 1;
+    EXPECT_EQ(gi.viewers[2]->getLabelImage()->handleEvent(&editor.buffer(2), &release), 0);
+}
+
+} // namespace
