@@ -8,6 +8,7 @@ namespace {
 
 constexpr const char* kDirections = "Directions";
 constexpr const char* kOrigin = "Origin";
+constexpr const char* kSpacing = "Spacing";
 
 } // namespace
 
@@ -41,7 +42,8 @@ void HxOrientation::write(HxParamBundle& parameters) const
 
 void HxOrientation::copy(const HxParamBundle& from, HxParamBundle& to)
 {
-    HxOrientation orientation;
-    read(from, orientation);
-    orientation.write(to);
+    for (const char* name : {kDirections, kOrigin, kSpacing}) {
+        to.remove(name);
+        if (const HxParameter* entry = from.parameter(name)) to.insert(entry->clone());
+    }
 }

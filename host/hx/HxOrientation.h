@@ -5,8 +5,9 @@ class HxParamBundle;
 /// How the voxel axes of a volume lie in the patient, as the file told it: kept through load and
 /// save, used for nothing else. The host's own coordinates stay axis-parallel.
 ///
-/// Stored on the data object as the parameters "Directions" (9 doubles) and "Origin" (3 doubles),
-/// and only when the directions are not the identity.
+/// Stored on the data object as the parameters "Directions" (9 doubles) and "Origin" (3 doubles).
+/// Readers of files may keep "Origin" alone, and "Spacing" (3 doubles), where the bounding box, which has
+/// single precision, would lose digits.
 struct HxOrientation
 {
     /// Unit vectors of the i, j and k axis, in LPS (x to the left, y to the back, z to the head),
@@ -24,6 +25,7 @@ struct HxOrientation
     /// Stores both entries, or removes them if the directions are the identity.
     void write(HxParamBundle& parameters) const;
 
-    /// Makes the target's entries those of the source, absent ones included.
+    /// Makes the target's entries "Directions", "Origin" and "Spacing" those of the source as they are,
+    /// absent ones included, so that two fields over the same voxels are saved with the same geometry.
     static void copy(const HxParamBundle& from, HxParamBundle& to);
 };

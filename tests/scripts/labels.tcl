@@ -32,6 +32,26 @@ show brain.Labels parameters Materials/Inside/Color
 show brain.Labels parameters ImageData
 show brain.Labels ImageData connect
 show load -labels brain.nrrd
+
+# Labels over an image lie exactly where the image lies, to the last digit.
+set file [open fine.nrrd w]
+puts $file "NRRD0004\ntype: short\ndimension: 3\nsizes: 4 3 1\nencoding: ascii\nspace: left-posterior-superior
+space directions: (0.48828125123456,0,0) (0,2,0) (0,0,3)\nspace origin: (10.123456789012,20,30)\n"
+for {set i 0} {$i < 12} {incr i} { puts $file $i }
+close $file
+set image [load fine.nrrd]
+set labels [newLabels $image]
+$image save image.nrrd
+$labels save labels.nrrd
+proc geometryOf {name} {
+    set file [open $name rb]
+    set lines [lrange [split [read $file] \n] 0 20]
+    close $file
+    return [lsearch -all -inline -glob $lines "space *"]
+}
+echo [join [geometryOf image.nrrd] \n]
+echo "the same: [expr {[geometryOf image.nrrd] eq [geometryOf labels.nrrd]}]"
+remove $image $labels
 show objects
 show remove brain.nrrd
 show brain.Labels parameters ImageData
