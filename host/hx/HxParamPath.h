@@ -12,6 +12,6 @@ class HxParamBundle;
 bool hxReadParameter(const HxParamBundle& root, const char* path, McString& result);
 
 /// Writes: an existing value keeps its type code and refuses text that does not fit it; a new one
-/// becomes ints, floats or a string by the form of the text. Missing bundles on the way are made.
+/// becomes ints, floats, doubles or a string by its text. Missing bundles on the way are made.
 /// returns false with a message in `error`, and nothing is changed
 bool hxWriteParameter(HxParamBundle& root, const char* path, const char* text, McString& error);

@@ -46,6 +46,22 @@ bool readAll(const char* text, std::vector<T>& out)
     return true;
 }
 
+/// The numbers in single precision; false if one of them would be written with other digits then.
+bool narrowed(const std::vector<double>& numbers, std::vector<float>& out)
+{
+    std::vector<float> narrow;
+    for (const double number : numbers) {
+        float single;
+        double back;
+        if (!hxReadNumber(hxNumberText(number), single) || !hxReadNumber(hxNumberText(single), back) ||
+            back != number)
+            return false;
+        narrow.push_back(single);
+    }
+    out = std::move(narrow);
+    return true;
+}
+
 } // namespace
 
 HxParameter::HxParameter(const char* name) : HxParamBase(name) {}
@@ -159,10 +175,12 @@ void HxParameter::setTextOfAnyCode(const char* newText)
 {
     if (std::vector<int> ints; readAll(newText, ints))
         value = std::move(ints);
-    else if (std::vector<float> floats; readAll(newText, floats))
+    else if (std::vector<double> doubles; !readAll(newText, doubles))
+        setString(newText);
+    else if (std::vector<float> floats; narrowed(doubles, floats))
         value = std::move(floats);
     else
-        setString(newText);
+        value = std::move(doubles);
 }
 
 HxParamBase* HxParameter::clone() const

@@ -55,8 +55,8 @@ public:
     /// fits it; a string takes any text. False: the text does not fit and nothing is changed.
     bool setText(const char* text);
 
-    /// Reads a value whose code the text decides: all whole numbers make ints, all numbers with
-    /// at least one that is not whole make floats, everything else (an empty text too) a string.
+    /// Reads a value whose code the text decides: all whole numbers make ints, other numbers floats
+    /// or, where a float would lose digits, doubles, all else (an empty text too) a string.
     void setTextOfAnyCode(const char* text);
 
     HxParamBase* clone() const override;

@@ -218,8 +218,10 @@ TEST(HxParamPath, NewValuesTakeTheCodeOfTheirForm)
         const char* text;
         int code;
         int dim;
-    } cases[] = {{"3", 2, 1}, {"1 -2 3", 2, 3},     {"1.5", 3, 1},    {"1 2.5", 3, 2}, {"3000000000", 3, 1},
-                 {"", 10, 1}, {"two words", 10, 1}, {"1 two", 10, 1}, {"inf", 10, 1},  {"0x10", 10, 1}};
+    } cases[] = {{"3", 2, 1},          {"1 -2 3", 2, 3},     {"1.5", 3, 1},        {"1 2.5", 3, 2},
+                 {"3000000000", 3, 1}, {"16777217.5", 4, 1}, {"0.1", 3, 1},        {"0.1234567890123", 4, 1},
+                 {"1e+300 0.5", 4, 2},  {"", 10, 1},          {"two words", 10, 1}, {"1 two", 10, 1},
+                 {"inf", 10, 1},       {"0x10", 10, 1}};
     for (const auto& c : cases) {
         HxParamBundle root;
         McString error;
@@ -227,6 +229,9 @@ TEST(HxParamPath, NewValuesTakeTheCodeOfTheirForm)
         const HxParameter* made = root.materials()->bundle("Liver", 0)->parameter("x");
         EXPECT_EQ(made->primType(), c.code) << c.text;
         EXPECT_EQ(made->dim(), c.dim) << c.text;
+        if (c.code == HxParameter::kDouble) {
+            EXPECT_EQ(made->text(), c.text) << "no digit is lost";
+        }
     }
 }
 
@@ -256,14 +261,23 @@ TEST(HxParamPath, ExistingValuesKeepTheirCodeAndBadPathsChangeNothing)
     EXPECT_FALSE(hxReadParameter(root, "count/x", text));
 }
 
-TEST(HxOrientation, IsKeptOnlyWhenTurned)
+TEST(HxOrientation, WritesOnlyWhatIsTurnedAndCopiesAllDigits)
 {
     HxParamBundle from, to;
+    const double spacing[3] = {0.48828125123456, 1, 2};
+    const double place[3] = {0.1, 0.2, 0.30000000000000004};
+    from.set("Origin", 3, place);
+    from.set("Spacing", 3, spacing);
+    HxOrientation::copy(from, to);
+    EXPECT_EQ(listing(to), listing(from)) << "not turned, and yet more than the box tells";
+    from.clear();
+
     HxOrientation turned{{0, -1, 0, 1, 0, 0, 0, 0, 1}, {1.5, -2, 1e-9}};
     turned.write(from);
     HxOrientation::copy(from, to);
     HxOrientation read;
     ASSERT_TRUE(HxOrientation::read(to, read));
+    EXPECT_EQ(listing(to), listing(from)) << "entries that the source lacks go";
     EXPECT_EQ(read.directions[1], -1);
     EXPECT_EQ(read.origin[2], 1e-9);
 
