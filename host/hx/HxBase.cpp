@@ -7,6 +7,7 @@
 #include "mc/McHandle.h"
 
 #include <exception>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -142,6 +143,8 @@ int HxBase::runCommand(ClientData self, Tcl_Interp* interp, int wordCount, const
         return object->parse(interp, wordCount, call.allWords());
     } catch (const McException& exception) {
         return call.error(exception.what());
+    } catch (const std::bad_alloc&) {
+        return call.error("Not enough memory.");
     } catch (const std::exception& exception) {
         // Tcl is C: nothing may be thrown through it.
         return call.error(exception.what());

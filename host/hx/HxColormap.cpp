@@ -4,8 +4,10 @@
 #include "hx/HxStandardColormaps.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -52,6 +54,18 @@ const HxCommand<HxColormap> kCommands[] = {
     {"load", "load FILE", "Takes the table from a file.", 1, 1, runLoad},
     {"standard", "standard ?NAME?", "Takes a standard table, or lists their names.", 0, 1, runStandard},
 };
+
+/// Whether a reader would take the file for a volume by its name.
+bool hasVolumeSuffix(const char* path)
+{
+    std::string name(path);
+    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+    for (const char* suffix :
+         {".nrrd", ".nhdr", ".nii", ".hdr", ".img", ".gz", ".mha", ".mhd", ".raw", ".tif", ".tiff", ".dcm",
+          ".dicom", ".png", ".jpg", ".jpeg", ".bmp", ".vtk", ".mnc"})
+        if (name.ends_with(suffix)) return true;
+    return false;
+}
 
 } // namespace
 
@@ -140,6 +154,10 @@ bool HxColormap::readFile(const char* path, McString& error)
 
 bool HxColormap::writeFile(const char* path, McString& error)
 {
+    if (hasVolumeSuffix(path)) {
+        error = McString(path) + ": this suffix promises an image; save a color map as .colors.";
+        return false;
+    }
     return hxWriteColormapFile(*this, path, error);
 }
 

@@ -4,6 +4,7 @@
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxStackedLabelField3.h"
 #include "hx/HxUniformLabelField3.h"
+#include "hx/HxWorkArea.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -15,6 +16,21 @@ int threadsFor(const HxLattice3& lattice)
     constexpr unsigned long kWorthSharing = 1 << 20; // bytes; waking other threads costs more below
     return lattice.numBytes() < kWorthSharing ? 1 : HxSettingsMgr::getInstance()->numThreads();
 }
+
+/// A pass over all voxels, busy as long as it lives.
+class BusyPass
+{
+public:
+    BusyPass() { HxWorkArea::getTheWorkArea()->busyOn(); }
+    ~BusyPass() { HxWorkArea::getTheWorkArea()->busyOff(); }
+    BusyPass(const BusyPass&) = delete;
+    BusyPass& operator=(const BusyPass&) = delete;
+
+    bool interrupted() const { return HxWorkArea::getTheWorkArea()->interrupted(); }
+};
+
+// Labels between two looks at an interruption: hundredths of a second, and long enough to share out.
+constexpr long kBytesPerPoll = 1 << 26;
 
 int runMaterials(HxLabelField3& field, const HxScriptCall& call)
 {
@@ -31,9 +47,14 @@ int runCount(HxLabelField3& field, const HxScriptCall& call)
     const unsigned char* labels = field.labelLattice()->getLabels();
     const long n = static_cast<long>(field.labelLattice()->numNodes());
     const int threads = threadsFor(*field.lattice());
+    const BusyPass pass;
     long count = 0;
+    for (long begin = 0; begin < n; begin += kBytesPerPoll) {
+        if (pass.interrupted()) return call.error("interrupted");
+        const long end = std::min(begin + kBytesPerPoll, n);
 #pragma omp parallel for num_threads(threads) reduction(+ : count)
-    for (long i = 0; i < n; i++) count += labels[i] == label;
+        for (long i = begin; i < end; i++) count += labels[i] == label;
+    }
     return call.result(count);
 }
 
@@ -116,13 +137,19 @@ float HxLabelField3::getSurfaceArea(int material)
     const auto label = static_cast<unsigned char>(material);
     const long nz = static_cast<long>(dims[2]);
     const int threads = threadsFor(*lattice());
+    const long slicesPerPoll = std::max(kBytesPerPoll / static_cast<long>(dims[0] * dims[1]), 1l);
+    const BusyPass pass;
     long x = 0, y = 0, z = 0;
+    for (long begin = 0; begin < nz; begin += slicesPerPoll) {
+        if (pass.interrupted()) return 0;
+        const long end = std::min(begin + slicesPerPoll, nz);
 #pragma omp parallel for num_threads(threads) reduction(+ : x, y, z)
-    for (long k = 0; k < nz; k++) {
-        const FaceCounts faces = facesOfSlice(labels, dims, static_cast<unsigned long>(k), label);
-        x += faces.x;
-        y += faces.y;
-        z += faces.z;
+        for (long k = begin; k < end; k++) {
+            const FaceCounts faces = facesOfSlice(labels, dims, static_cast<unsigned long>(k), label);
+            x += faces.x;
+            y += faces.y;
+            z += faces.z;
+        }
     }
     const McVec3f size = sizeForAreas(*coords());
     return static_cast<float>(static_cast<double>(z) + static_cast<double>(x) * size.z / size.x +

@@ -20,7 +20,7 @@ public:
 
     /// Surface of a material: the voxel faces between it and anything else, the border of the
     /// volume included, each weighted by its area over the area of an x-y face. So the value does
-    /// not depend on the unit of length. Faces of a stacked field take the mean slice distance.
+    /// not depend on the unit of length. Stacked fields take the mean slice distance. 0 when interrupted.
     float getSurfaceArea(int material);
 
     /// Writes labels, coordinates and all parameters in the host's own form. False after a failure,

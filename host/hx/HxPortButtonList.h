@@ -25,7 +25,7 @@ public:
     const char* getLabel(int i) const;
 
     /// Presses a button: keeps its index and marks the port as new. Does not fire the owner.
-    /// Nothing happens for a button that does not exist.
+    /// A button without a text can be pressed as well; a number below 0 does nothing.
     void hit(int i = 0);
     /// The button pressed last; -1 before the first press.
     int getIndex() const { return index; }

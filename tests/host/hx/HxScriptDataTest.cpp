@@ -5,6 +5,7 @@
 #include "hx/HxLineSet.h"
 #include "hx/HxMessage.h"
 #include "hx/HxObjectPool.h"
+#include "hx/HxPortButtonList.h"
 #include "hx/HxPortDoIt.h"
 #include "hx/HxPortFloatTextN.h"
 #include "hx/HxPortIntTextN.h"
@@ -13,6 +14,7 @@
 #include "hx/HxSpreadSheet.h"
 #include "hx/HxUniformLabelField3.h"
 #include "hx/HxUniformScalarField3.h"
+#include "hx/HxWorkArea.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +22,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <new>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -228,6 +231,40 @@ TEST_F(HxObjectScripts, UnknownCommandsNameAlsoTheReportedOnesAndHelpExplainsAll
         EXPECT_NE(names.find(expected), std::string::npos) << expected;
 }
 
+TEST_F(HxObjectScripts, PassesOverAllVoxelsCanBeInterrupted)
+{
+    HxWorkArea& area = *HxWorkArea::getTheWorkArea();
+    area.interruptAfter(1);
+    EXPECT_EQ(eval("labels.nrrd count 0"), "error: labels.nrrd: interrupted.");
+    EXPECT_EQ(area.busyDepth(), 0);
+    EXPECT_EQ(eval("labels.nrrd count 0"), "12") << "the request is over";
+    const float area0 = labels->getSurfaceArea(0);
+    EXPECT_GT(area0, 0);
+    area.interruptAfter(1);
+    EXPECT_EQ(labels->getSurfaceArea(0), 0);
+    EXPECT_EQ(labels->getSurfaceArea(0), area0);
+}
+
+TEST_F(HxObjectScripts, ScriptsHearOfMissingMemoryInASentence)
+{
+    struct Hungry : HxLineSet
+    {
+        int parse(Tcl_Interp*, int, char**) override { throw std::bad_alloc(); }
+    };
+    add(new Hungry, "hungry");
+    EXPECT_EQ(eval("hungry go"), "error: hungry: Not enough memory.");
+}
+
+TEST_F(HxObjectScripts, AButtonCanBePressedBeforeItHasAText)
+{
+    module->buttons.hit(5);
+    EXPECT_EQ(module->buttons.getIndex(), 5);
+    EXPECT_TRUE(module->buttons.isNew());
+    module->buttons.hit(-1);
+    EXPECT_EQ(module->buttons.getIndex(), 5);
+    EXPECT_EQ(module->buttons.getNum(), 2);
+}
+
 TEST_F(HxObjectScripts, TouchAndParametersTellTheListeners)
 {
     std::vector<unsigned int> masks;
@@ -311,6 +348,13 @@ TEST_F(HxObjectScripts, ColormapsLookUpAndCrossAFile)
     ASSERT_NE(loaded.get(), nullptr) << error.c_str();
     for (const float u : {-1.f, 0.f, 0.3f, 0.77f, 1.f, 2.f})
         EXPECT_EQ(static_cast<HxColormap&>(*loaded).packedColor(u), map.packedColor(u));
+
+    for (const char* name : {"two.nrrd", "two.NII.GZ", "two.vtk"}) {
+        const std::string volume = folder.filePath(name).toStdString();
+        EXPECT_FALSE(map.save(volume.c_str(), error)) << "the next load would take it for an image";
+        EXPECT_FALSE(std::ifstream(volume).good());
+    }
+    EXPECT_STREQ(map.getFilename(), path.c_str());
 
     std::ofstream(path, std::ios::app) << "0.1 0.2 2 1\n";
     EXPECT_FALSE(map.readFile(path.c_str(), error));
