@@ -425,13 +425,6 @@ struct HxNrrdFile::Reader
     }
 };
 
-bool HxNrrdFile::isNrrd(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    char start[sizeof kMagic - 1];
-    return in.read(start, sizeof start) && std::memcmp(start, kMagic, sizeof start) == 0;
-}
-
 HxNrrdFile::HxNrrdFile(const std::string& file) : path(file)
 {
     source.header = path;

@@ -20,9 +20,6 @@ using HxNrrdPairs = std::vector<std::pair<std::string, std::string>>;
 class HxNrrdFile
 {
 public:
-    /// Whether the file starts with the magic of the format.
-    static bool isNrrd(const std::string& path);
-
     /// Reads the header. throws HxFileError
     explicit HxNrrdFile(const std::string& path);
 
