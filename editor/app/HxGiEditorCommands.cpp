@@ -402,7 +402,7 @@ int HxGiEditor::parse(Tcl_Interp* interp, int wordCount, char** words)
 
 void HxGiEditor::commandHelp(McDArray<HxCommandHelp>& list) const
 {
+    // The form without a session of its own hands all commands on, so it answers the same ones.
     HxEditor::commandHelp(list);
-    if (!gi) return;
     for (const Command& entry : kCommands) list.append(HxCommandHelp{entry.name, entry.usage, entry.help});
 }

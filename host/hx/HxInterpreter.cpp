@@ -40,6 +40,9 @@ HxInterpreter::HxInterpreter()
     const QByteArray program =
         QCoreApplication::instance() ? QCoreApplication::applicationFilePath().toLocal8Bit() : QByteArray();
     Tcl_FindExecutable(program.isEmpty() ? nullptr : program.constData());
+    // File names are UTF-8 in the host and in Qt under every locale; without this Tcl would take them for
+    // Latin-1 where the locale is plain C.
+    Tcl_SetSystemEncoding(nullptr, "utf-8");
     interp = Tcl_CreateInterp();
     if (Tcl_Init(interp) != TCL_OK)
         HxMessage::getTheMsg()->printf("Tcl's script library is missing, some commands will not work: %s",

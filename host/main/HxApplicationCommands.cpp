@@ -43,7 +43,7 @@ int echo(Tcl_Interp* interp, int wordCount, const char* const* words)
     if (wordCount < 2) return HxScriptCommands::wrongArguments(interp, "echo");
     std::string text = words[1];
     for (int i = 2; i < wordCount; ++i) text += std::string(" ") + words[i];
-    HxMessage::getTheMsg()->printf("%s", text.c_str());
+    HxMessage::getTheMsg()->echo(text.c_str());
     return TCL_OK;
 }
 
@@ -108,8 +108,7 @@ int preference(Tcl_Interp* interp, int wordCount, const char* const* words)
 
 void hxRegisterApplicationCommands()
 {
-    HxScriptCommands::add("echo", "echo TEXT ?TEXT ...?", "Prints the texts as one line of the console.",
-                          echo);
+    HxScriptCommands::add("echo", "echo TEXT ?TEXT ...?", "Prints the texts as one line.", echo);
     HxScriptCommands::add("quit", "quit ?CODE?",
                           "Ends the script and the program at once, with exit code 0 or the given one.",
                           quit);
@@ -127,9 +126,12 @@ void hxRegisterApplicationCommands()
                           preference);
     HxScriptCommands::add(
         "help", "help ?WORD?",
-        "Lists all commands, or explains a command of the program or of the objects, or all "
+        "Explains all commands of the program, the data objects and the editor, or one command, or all "
         "commands of one object.",
         hxHelpCommand);
     // Tcl's own exit would end the process in the middle of its objects.
     HxInterpreter::getTheInterpreter()->evalf("interp alias {} exit {} quit");
+    // Lines of `puts` keep their order with those of `echo`, and none waits in a buffer when the program
+    // ends.
+    HxInterpreter::getTheInterpreter()->evalf("fconfigure stdout -buffering line");
 }

@@ -1,13 +1,22 @@
 #include "main/HxHelpCommand.h"
 
+#include "hx/HxClassRegistry.h"
+#include "hx/HxColormap.h"
 #include "hx/HxEditor.h"
+#include "hx/HxLineSet.h"
 #include "hx/HxObjectPool.h"
+#include "hx/HxPackage.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
+#include "hx/HxSpreadSheet.h"
+#include "hx/HxUniformLabelField3.h"
+#include "hx/HxUniformScalarField3.h"
+#include "mc/McElementType.h"
 
 #include <tcl.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,6 +25,35 @@ namespace {
 std::string explained(const std::string& usage, const std::string& text)
 {
     return usage + "\n    " + text + "\n";
+}
+
+/// A kind of object, shown by one that never enters the pool.
+struct Sample
+{
+    const char* title;
+    McHandle<HxBase> object;
+};
+
+/// One of each class that has commands, so that these are explained before there is an object. A class comes
+/// after those that it shares commands with.
+std::vector<Sample> samples()
+{
+    const unsigned long dims[3] = {1, 1, 1};
+    return {{"Images and label fields answer:", new HxUniformScalarField3(dims, kMcUnsignedChar)},
+            {"Label fields also answer:", new HxUniformLabelField3(dims)},
+            {"Color maps also answer:", new HxColormap},
+            {"Line sets also answer:", new HxLineSet},
+            {"Spread sheets also answer:", new HxSpreadSheet}};
+}
+
+/// The editors that stand; before the first one is opened, one of each announced class.
+std::vector<McHandle<HxBase>> editors()
+{
+    std::vector<McHandle<HxBase>> all(HxEditor::all().begin(), HxEditor::all().end());
+    if (!all.empty()) return all;
+    for (const HxPackage::Editor& announced : HxPackage::editors())
+        if (HxBase* editor = HxClassRegistry::create(announced.className.c_str())) all.emplace_back(editor);
+    return all;
 }
 
 /// Everything that scripts can speak to: the pool's members and the editors.
@@ -34,12 +72,32 @@ McDArray<HxCommandHelp> commandsOf(const HxBase* speaker)
     return list;
 }
 
+/// A section with those commands that no section before explained. `shown` gathers them.
+std::string section(const std::string& title, const std::string& name, const HxBase* speaker,
+                    std::set<std::string>& shown)
+{
+    std::string text;
+    const McDArray<HxCommandHelp> list = commandsOf(speaker);
+    for (int i = 0; i < list.size(); ++i) {
+        const std::string usage = name + " " + list[i].usage.c_str();
+        const std::string entry = explained(usage, list[i].text.c_str());
+        if (shown.insert(entry).second) text += entry;
+    }
+    return text.empty() ? text : "\n" + title + "\n" + text;
+}
+
 std::string helpOnAll()
 {
     std::string text;
     for (const HxScriptCommands::Entry* entry : HxScriptCommands::all())
         text += explained(entry->usage, entry->help);
-    return text + "The name of each object is a command, too: \"help NAME\" explains what it answers.";
+    text += "\nThe name of an object is a command, too; NAME stands for it here.\n";
+    std::set<std::string> shown;
+    for (const Sample& sample : samples()) text += section(sample.title, "NAME", sample.object, shown);
+    for (const McHandle<HxBase>& editor : editors())
+        text +=
+            section(std::string("The editor ") + editor->getLabel() + " answers:", "EDITOR", editor, shown);
+    return text + "\n\"help NAME\" explains what one object answers, its ports included.";
 }
 
 std::string helpOnSpeaker(const HxBase* speaker)
@@ -59,7 +117,13 @@ std::string helpOnCommand(const char* word)
     std::vector<std::string> found;
     if (const HxScriptCommands::Entry* entry = HxScriptCommands::find(word))
         found.push_back(explained(entry->usage, entry->help));
-    for (const HxBase* speaker : speakers()) {
+    const std::vector<Sample> kinds = samples();
+    std::vector<const HxBase*> all;
+    const std::vector<McHandle<HxBase>> allEditors = editors();
+    for (const Sample& sample : kinds) all.push_back(sample.object);
+    for (const McHandle<HxBase>& editor : allEditors) all.push_back(editor);
+    for (const HxBase* speaker : speakers()) all.push_back(speaker);
+    for (const HxBase* speaker : all) {
         const McDArray<HxCommandHelp> list = commandsOf(speaker);
         for (int i = 0; i < list.size(); ++i) {
             if (!(list[i].name == word)) continue;

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <string>
 
 /// Runs Tcl commands from standard input while the Qt event loop runs, and ends that loop at the end of the
 /// input, at `quit`, and, unless a person types, at the first error.
+///
+/// Between commands it also runs what scripts have put off with `after` or `fileevent`.
 ///
 /// A person at a terminal gets a prompt, results and messages; input from a file or a pipe gets no echo.
 class HxScriptShell
@@ -18,6 +21,7 @@ public:
 
 private:
     void readMore();
+    void runTclEvents();
     void takeLine(const std::string& line);
     void evaluate();
     void prompt() const;
@@ -25,6 +29,7 @@ private:
     void end(int code);
 
     QSocketNotifier notifier;
+    QTimer tclEvents;
     const bool interactive;
     bool ended = false;
     std::string input;   // read but not yet a whole line

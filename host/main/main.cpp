@@ -1,5 +1,7 @@
 #include "hx/HxClassRegistry.h"
 #include "hx/HxInterpreter.h"
+#include "hx/HxMatDatabase.h"
+#include "hx/HxMessage.h"
 #include "hx/HxObjectPool.h"
 #include "hx/HxPackage.h"
 #include "hx/HxResource.h"
@@ -15,21 +17,45 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <filesystem>
 #include <tcl.h>
 #include <unistd.h>
 
 namespace {
 
+constexpr int kFailed = 1;
 constexpr int kWrongOption = 2;
+constexpr const char* kMaterialsFile = "materials.txt";
 
-void chooseSettings(const HxCommandLine& commandLine)
+/// False if the file that was asked for holds no preferences.
+bool chooseSettings(const HxCommandLine& commandLine)
 {
     if (!commandLine.preferencesFile.empty())
-        HxSettingsMgr::useFile(commandLine.preferencesFile.c_str());
-    else if (commandLine.headless)
+        return HxSettingsMgr::useFile(commandLine.preferencesFile.c_str());
+    if (commandLine.headless)
         HxSettingsMgr::useMemoryStore();
     else
         HxSettingsMgr::useUserStore();
+    return true;
+}
+
+/// The names and colours of the resource folders, on top of the few that are built in.
+void loadMaterials()
+{
+    bool found = false;
+    for (const std::string& folder : HxPackage::resourceFolders()) {
+        const std::string path = folder + "/" + kMaterialsFile;
+        if (!std::filesystem::exists(path)) continue;
+        found = true;
+        McString error;
+        if (!HxMatDatabase::getTheDatabase()->load(path.c_str(), error))
+            HxMessage::getTheMsg()->printf("%s", error.c_str());
+    }
+    if (!found)
+        HxMessage::getTheMsg()->printf(
+            "The resource folder has no %s; only a few materials have colors of their "
+            "own.",
+            kMaterialsFile);
 }
 
 void registerEverything()
@@ -38,6 +64,7 @@ void registerEverything()
     hxRegisterFileFormats();
     hxRegisterDataCommands();
     hxRegisterApplicationCommands();
+    loadMaterials();
     HxPackage::start();
 }
 
@@ -71,12 +98,12 @@ int runArguments(const HxCommandLine& commandLine)
         const bool script = isScript(file);
         const int code = script ? interpreter->evalFile(file.c_str(), result) : loadData(file, result);
         // A data file fails for a reason of its own, a script somewhere in its lines.
-        if (failed(code, script ? interpreter->errorText() : result)) return 1;
+        if (failed(code, script ? interpreter->errorText() : result)) return kFailed;
         if (interpreter->quitCode()) return *interpreter->quitCode();
     }
     for (const std::string& script : commandLine.scripts) {
         const int code = interpreter->eval(script.c_str(), result);
-        if (failed(code, interpreter->errorText())) return 1;
+        if (failed(code, interpreter->errorText())) return kFailed;
         if (interpreter->quitCode()) return *interpreter->quitCode();
     }
     return 0;
@@ -112,7 +139,7 @@ int main(int argc, char** argv)
     if (isatty(STDERR_FILENO)) HxWorkArea::getTheWorkArea()->setView(&progress);
     HxWorkArea::catchSignals();
     HxInterpreter::getTheInterpreter();
-    chooseSettings(commandLine);
+    if (!chooseSettings(commandLine)) return kFailed;
     registerEverything();
 
     const bool nothingToRun = commandLine.files.empty() && commandLine.scripts.empty();

@@ -43,6 +43,45 @@ run "standard input stops at an error" $vorel --headless << "echo one\nfoo\necho
 run "standard input that ends too early" $vorel --headless << "echo one\nproc p \{\} \{\n"
 run "standard input may quit" $vorel --headless << "quit 9\necho never\n"
 
+# The input stays open: what was put off runs between the commands, and may end the program.
+proc talk {title lines} {
+    set channel [open "|$::vorel --headless 2>@1" r+]
+    foreach line $lines { puts $channel $line }
+    flush $channel
+    fconfigure $channel -blocking 0
+    set text {}
+    for {set i 0} {$i < 200 && ![eof $channel]} {incr i} {
+        append text [read $channel]
+        after 50
+    }
+    echo "== $title: [expr {[eof $channel] ? "ended" : "still running"}]"
+    echo [string trim $text]
+    fconfigure $channel -blocking 1
+    catch {close $channel} text options
+    echo "status: [lrange [dict get $options -errorcode] 2 end]"
+}
+talk "what a script puts off runs" {{after 10 {echo later; quit 3}} {echo first}}
+talk "an error in it is told" {{after 10 {nonsense}} {after 100 {quit 4}}}
+
+# Names are UTF-8 wherever the program runs.
+set name "\u00e4 \u4e2d"
+write $name.tcl "echo {it is $name}\n"
+write $name.nrrd "NRRD0004\ntype: uchar\ndimension: 3\nsizes: 1 1 1\nencoding: ascii\n\n7\n"
+run "names under the plain locale" env LC_ALL=C $vorel --headless $name.tcl --eval {
+    foreach file [glob *.nrrd] { catch {load $file} text; echo $text }
+    echo [file exists "\u00e4 \u4e2d.nrrd"] [objects "*\u4e2d*"]
+}
+
+write data.nrrd "NRRD0004\ntype: uchar\ndimension: 3\nsizes: 1 1 1\nencoding: ascii\n\n7\n"
+run "preferences are not written over data" $vorel --headless --preferences data.nrrd --eval {echo never}
+run "which stay as they are" $vorel --headless data.nrrd --eval {echo [data.nrrd value 0 0 0]}
+
 run "preferences are kept in the named file" $vorel --headless --preferences p.ini --eval {preference selectionAlpha 33}
 run "and come back" $vorel --headless --preferences p.ini --eval {echo [preference selectionAlpha]}
 run "but not without it" $vorel --headless --eval {echo [preference selectionAlpha]}
+
+# Results and remarks come on different streams.
+set command {env VOREL_RESOURCES=/nowhere "$0" --headless --eval "echo result"}
+run "results" sh -c "$command 2>/dev/null" $vorel
+run "remarks" sh -c "$command 2>&1 >/dev/null" $vorel
+run "lines of both kinds keep their order" $vorel --headless --eval {puts a; echo b; puts c; echo d}

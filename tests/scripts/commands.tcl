@@ -42,8 +42,15 @@ show echo several words {and one}
 
 # Help on a command of the program, on one of the objects, and on an object; the list of all holds each.
 show help remove
+show help save
+show help count
+show help selectMaterial2
 show help label
 echo [lindex [split [help HxColormap] \n] 0]
+set all [help]
+foreach command {"NAME save" "NAME parameters" "NAME label" "NAME count" "NAME materials" "NAME color" "EDITOR add"} {
+    if {[regexp -all -line "^$command\\M" $all] != 1} { error "not one explanation of $command" }
+}
 foreach command {load create newLabels objects remove echo quit app answer preference help} {
     if {![regexp -line "^$command\\M" [help]]} { error "no help on $command" }
 }

@@ -220,7 +220,7 @@ TEST(HxParamPath, NewValuesTakeTheCodeOfTheirForm)
         int dim;
     } cases[] = {{"3", 2, 1},          {"1 -2 3", 2, 3},     {"1.5", 3, 1},        {"1 2.5", 3, 2},
                  {"3000000000", 3, 1}, {"16777217.5", 4, 1}, {"0.1", 3, 1},        {"0.1234567890123", 4, 1},
-                 {"1e+300 0.5", 4, 2},  {"", 10, 1},          {"two words", 10, 1}, {"1 two", 10, 1},
+                 {"1e+300 0.5", 4, 2}, {"", 10, 1},          {"two words", 10, 1}, {"1 two", 10, 1},
                  {"inf", 10, 1},       {"0x10", 10, 1}};
     for (const auto& c : cases) {
         HxParamBundle root;
