@@ -1,7 +1,7 @@
 #include "core/GiLabelTransfer.h"
 
 #include "core/GiAcceptRow.h"
-#include "core/GiBitRows.h"
+#include "core/GiBoundaryCount.h"
 #include "core/GiLabelWords.h"
 #include "core/GiRowFill.h"
 #include "mc/McBitfield.h"
@@ -14,29 +14,6 @@
 namespace {
 
 constexpr unsigned long kWord = 32; // voxels per word of a bit field
-
-/// Counts by label.
-struct Histogram
-{
-    unsigned long counts[256] = {};
-
-    void add(const Histogram& other)
-    {
-        for (int label = 0; label < 256; ++label) counts[label] += other.counts[label];
-    }
-    /// The most frequent label other than `tissue`, the lowest on a tie; -1 if there is none.
-    int mostFrequentBut(int tissue) const
-    {
-        int best = -1;
-        unsigned long bestCount = 0;
-        for (int label = 0; label < 256; ++label) {
-            if (label == tissue || counts[label] <= bestCount) continue;
-            best = label;
-            bestCount = counts[label];
-        }
-        return best;
-    }
-};
 
 /// Runs step(first, end) on one contiguous chunk of [0, n) per thread.
 template <class Step>
@@ -63,69 +40,14 @@ void writeVoxels(const McBitfield& bits, unsigned char* labels, unsigned long n,
         if (bits.isSet(i) && changeable.contains(labels[i])) labels[i] = value;
 }
 
-/// Counts the labels around a set of voxels, by rows and 64 voxels at a time.
-class BoundaryCount
-{
-public:
-    BoundaryCount(const McBitfield& set, const unsigned char* volume, const unsigned long* dims)
-        : bits(set), labels(volume), nx(dims[0]), ny(dims[1]), nz(dims[2]), plane(dims[0] * dims[1])
-    {
-    }
-
-    /// Counts for the voxels of the set in the rows [firstRow, endRow).
-    void countRows(unsigned long firstRow, unsigned long endRow, Histogram& histogram) const
-    {
-        const unsigned long end = endRow * nx;
-        unsigned long at = giFindSet(bits.words(), firstRow * nx, end);
-        while (at < end) {
-            const unsigned long row = at / nx;
-            countRow(row, histogram);
-            at = giFindSet(bits.words(), (row + 1) * nx, end);
-        }
-    }
-
-private:
-    void countRow(unsigned long row, Histogram& histogram) const
-    {
-        const unsigned long y = row % ny, z = row / ny;
-        for (unsigned long x = 0; x < nx; x += 64) {
-            const unsigned long at = row * nx + x;
-            const unsigned long n = std::min(64ul, nx - x);
-            const std::uint64_t set = bits.load64(at) & ~std::uint64_t{0} >> (64 - n);
-            if (!set) continue;
-            const bool isFirst = x == 0, isLast = x + n == nx;
-            const std::uint64_t before = set << 1 | static_cast<std::uint64_t>(isFirst || bits.isSet(at - 1));
-            const std::uint64_t behind = set >> 1 | static_cast<std::uint64_t>(isLast || bits.isSet(at + n))
-                                                        << (n - 1);
-            // For each direction the voxels of the set whose neighbour is inside the volume and not
-            // in the set.
-            if (z > 0) count(set & ~bits.load64(at - plane), labels + at - plane, histogram);
-            if (z + 1 < nz) count(set & ~bits.load64(at + plane), labels + at + plane, histogram);
-            if (y > 0) count(set & ~bits.load64(at - nx), labels + at - nx, histogram);
-            if (y + 1 < ny) count(set & ~bits.load64(at + nx), labels + at + nx, histogram);
-            count(set & ~before, labels + at - 1, histogram);
-            count(set & ~behind, labels + at + 1, histogram);
-        }
-    }
-
-    static void count(std::uint64_t voxels, const unsigned char* neighbours, Histogram& histogram)
-    {
-        for (; voxels; voxels &= voxels - 1) ++histogram.counts[neighbours[std::countr_zero(voxels)]];
-    }
-
-    const McBitfield& bits;
-    const unsigned char* labels;
-    const unsigned long nx, ny, nz, plane;
-};
-
 /// Counts the labels of the set itself in whole words [first, end).
 void countOwn(const McBitfield& bits, const unsigned char* labels, unsigned long first, unsigned long end,
-              Histogram& histogram)
+              GiLabelHistogram& histogram)
 {
     // Neighbours mostly carry one label. Counting them in turn in several tables keeps an increment
     // from waiting for the one before.
     constexpr int kTables = 4;
-    Histogram tables[kTables];
+    GiLabelHistogram tables[kTables];
     for (unsigned long i = first; i < end; ++i) {
         unsigned int word = bits.words()[i];
         const unsigned char* const at = labels + i * kWord;
@@ -134,7 +56,7 @@ void countOwn(const McBitfield& bits, const unsigned char* labels, unsigned long
             ++tables[k % kTables].counts[at[k]];
         }
     }
-    for (const Histogram& table : tables) histogram.add(table);
+    for (const GiLabelHistogram& table : tables) histogram.add(table);
 }
 
 } // namespace
@@ -160,10 +82,10 @@ void giMoveVoxels(const McBitfield& bits, unsigned char* labels, unsigned long n
 int giChooseTarget3D(const McBitfield& bits, const unsigned char* labels, const unsigned long* dims,
                      int tissue, int threads)
 {
-    Histogram shared;
-    const BoundaryCount boundary(bits, labels, dims);
+    GiLabelHistogram shared;
+    const GiBoundaryCount boundary(bits, labels, dims);
     forEachChunk(dims[1] * dims[2], threads, [&](unsigned long first, unsigned long end) {
-        Histogram own;
+        GiLabelHistogram own;
         boundary.countRows(first, end, own);
 #pragma omp critical(giLabelTransferCount)
         shared.add(own);
@@ -174,7 +96,7 @@ int giChooseTarget3D(const McBitfield& bits, const unsigned char* labels, const 
     // Padding bits are 0, so the last word needs no treatment of its own.
     const unsigned long n = dims[0] * dims[1] * dims[2];
     forEachChunk(n / kWord, threads, [&](unsigned long first, unsigned long end) {
-        Histogram own;
+        GiLabelHistogram own;
         countOwn(bits, labels, first, end, own);
 #pragma omp critical(giLabelTransferCount)
         shared.add(own);
