@@ -5,7 +5,7 @@
 # Takes the T1 image and the anatomical labels of Debian's mricron-data, names the materials from the
 # table beside the labels, joins the left and right parts of four deep structures, gives the amygdala
 # to the hippocampus, takes that last step back, saves the result as .nrrd and .nii.gz, reads both
-# files back and prints what changed.
+# files back, prints what changed, and writes pictures of the three orientations.
 
 set data [expr {[info exists env(VOREL_DATA)] ? $env(VOREL_DATA) : "/usr/share/mricron/templates"}]
 set out [expr {[info exists env(VOREL_OUT)] ? $env(VOREL_OUT) : "out"}]
@@ -81,6 +81,14 @@ foreach name [$labels materials] old $before new $after {
     if {$old == $new} continue
     echo [format "%-20s %10d %10d %+10d %+10.3f" $name $old $new [expr {$new - $old}] [expr {($new - $old) * $ml}]]
 }
+
+# Pictures of the three orientations through the left hippocampus, image and outlines.
+gi setCrossHairLocationIndex 64 106 58
+foreach {viewer name} {0 sagittal 1 coronal 2 axial} {
+    view $viewer size 724 724
+    view $viewer snapshot $out/atlas-$name.png
+}
+echo "pictures: $out/atlas-sagittal.png, -coronal.png, -axial.png"
 
 # What was written must be what was edited.
 foreach file [list $out/atlas.nrrd $out/atlas.nii.gz] {
