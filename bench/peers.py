@@ -98,6 +98,45 @@ class Flood:
         return np.packbits(self.mask.ravel(), bitorder="little")
 
 
+class Lookup:
+    """Slices through the window of a grey display, one pixel of 32 bits each; the walk is that of SliceWalk.
+
+    zoom  each pixel is repeated as often along both axes
+    """
+
+    STEP = 101
+
+    def __init__(self, image, kind, orientation, zoom, low, high):
+        volume = np.fromfile(image, kind).reshape(size, size, size)
+        # Slices, rows and columns of the planes YZ, XZ and XY.
+        self.slices = volume.transpose(((2, 0, 1), (1, 0, 2), (0, 1, 2))[int(orientation)])
+        self.number = 0
+        self.zoom = int(zoom)
+        self.scale = 255 / (float(high) - float(low))
+        self.bias = 0.5 - self.scale * float(low)  # the nearest grey value, once cut to a whole number
+        self.table = np.arange(256, dtype=np.uint32) * np.uint32(0x01010101)
+        self.bytes_table = self.table[self.grey(np.arange(256, dtype=np.uint8))]
+
+    def grey(self, values):
+        return np.clip(self.scale * values + self.bias, 0, 255).astype(np.uint8)
+
+    def prepare(self):
+        self.number = (self.number + self.STEP) % size
+        self.picture = None
+
+    def run(self):
+        values = self.slices[self.number]
+        if values.dtype == np.uint8:
+            self.picture = self.bytes_table[values]
+        else:
+            self.picture = self.table[self.grey(values)]
+        if self.zoom > 1:
+            self.picture = np.repeat(np.repeat(self.picture, self.zoom, axis=1), self.zoom, axis=0)
+
+    def result(self):
+        return np.ascontiguousarray(self.picture)
+
+
 def write_atlas(source, target):
     with gzip.open(source) as file:
         data = file.read()
@@ -111,7 +150,7 @@ def write_atlas(source, target):
     np.ascontiguousarray(np.tile(labels, times)[:size, :size, :size]).tofile(target)
 
 
-KINDS = {"add": Add, "select": Select, "invert": Invert, "flood": Flood}
+KINDS = {"add": Add, "select": Select, "invert": Invert, "flood": Flood, "lookup": Lookup}
 operations = {}
 
 

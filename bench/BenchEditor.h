@@ -1,0 +1,83 @@
+#pragma once
+
+#include "core/Gi.h"
+#include "display/GiFrameBuffer.h"
+#include "display/GiMemoryViewer.h"
+#include "hx/HxLabelField3.h"
+#include "hx/HxLabelLattice3.h"
+#include "hx/HxUniformLabelField3.h"
+
+#include <cstring>
+#include <vector>
+
+/// The core with no window around it: nobody listens, nothing is shown but what viewers draw into memory.
+class BenchGi : public Gi
+{
+public:
+    ~BenchGi() override { destroyMembers(); }
+
+    void setDataWindow(float, float, bool) override {}
+    void setToolDataWindow(float, float, bool) override {}
+    void setToolDataWindowMarker(float) override {}
+    void clearToolDataWindowMarker() override {}
+    void setToolDataWindowSliderTracking(bool) override {}
+    bool toolDataWindowSliderTracking() override { return true; }
+    void setMaskingEnabled(bool) override {}
+    bool maskingEnabled() const override { return false; }
+    int getPickedVoxel(HxViewer*, int, int, McVec3i&, float&) override { return 0; }
+};
+
+/// An editor with a label field of `size` voxels along each side, all of them background, and three viewers
+/// by orientation. Rows of all three run downward.
+class BenchEditor
+{
+public:
+    explicit BenchEditor(unsigned long size) : dims{size, size, size}, field(new HxUniformLabelField3(dims))
+    {
+        gi.materials = lattice()->materials();
+        for (int o = 0; o < 3; ++o) {
+            auto* viewer = new GiMemoryViewer("viewer", &gi);
+            viewer->ref();
+            viewer->setOrientation(o);
+            viewer->setFlip(0, 0, 1);
+            gi.viewers.append(viewer);
+        }
+    }
+
+    HxLabelLattice3* lattice() { return field->labelLattice(); }
+    unsigned char* labels() { return lattice()->getLabels(); }
+    GiViewer& viewer(int orientation) { return *gi.viewers[orientation]; }
+    GiMemoryFrameBuffer& buffer(int orientation)
+    {
+        return *static_cast<GiMemoryFrameBuffer*>(viewer(orientation).getFrameBuffer());
+    }
+
+    /// Shows an image, which must outlive its use here.
+    void setImage(unsigned char* image) { gi.setVolumeByte(dims, 0, image, lattice()); }
+    void setImage(unsigned short* image) { gi.setVolumeUnsignedShort(dims, 0, image, lattice()); }
+    void setImage(float* image) { gi.setVolumeFloat(dims, 0, image, lattice()); }
+
+    /// All viewers get this zoom, and a window that shows the whole slice.
+    void setZoom(int zoom)
+    {
+        const int side = static_cast<int>(dims[0]) * zoom;
+        gi.setZoomFactor(static_cast<float>(zoom));
+        for (int o = 0; o < 3; ++o) buffer(o).setWindowSize(McVec2i(side, side));
+    }
+
+    const unsigned long dims[3];
+    McHandle<HxUniformLabelField3> field;
+    BenchGi gi;
+};
+
+/// The memory image, rows from the top, without the unused byte of a pixel.
+inline std::vector<unsigned int> benchPicture(const GiFrameBuffer& buffer)
+{
+    const auto width = static_cast<std::size_t>(buffer.memSize.x),
+               height = static_cast<std::size_t>(buffer.memSize.y);
+    std::vector<unsigned int> pixels(width * height);
+    for (std::size_t y = 0; y < height; ++y)
+        std::memcpy(&pixels[y * width], buffer.memory + y * buffer.bytesPerRow, width * sizeof(unsigned int));
+    for (unsigned int& pixel : pixels) pixel &= 0xFFFFFFu;
+    return pixels;
+}
