@@ -19,7 +19,8 @@ struct HxOrientation
 
     bool isIdentity() const;
 
-    /// Reads what write() stored. Absent or incomplete: false, and `out` is the identity at 0.
+    /// Reads what write() stored. Absent, incomplete or no unit vectors that span a volume: false, and `out`
+    /// is the identity at 0.
     static bool read(const HxParamBundle& parameters, HxOrientation& out);
 
     /// Stores both entries, or removes them if the directions are the identity.

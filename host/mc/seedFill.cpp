@@ -3,6 +3,7 @@
 #include "mc/McDArray.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace {
 
@@ -23,7 +24,7 @@ public:
     {
         int low[3] = {start.x, start.y, start.z};
         int high[3] = {start.x, start.y, start.z};
-        int count = 0;
+        long count = 0;
         pending.push(start);
         while (!pending.isEmpty()) {
             const Place p = pending.pop();
@@ -45,7 +46,7 @@ public:
         }
         std::copy_n(low, 3, box);
         std::copy_n(high, 3, box + 3);
-        return count;
+        return static_cast<int>(std::min<long>(count, INT_MAX));
     }
 
 private:

@@ -6,7 +6,7 @@
 /// value   what the region becomes
 /// box     six numbers: xmin, ymin, zmin, xmax, ymax, zmax of the region, both ends included;
 ///         untouched if the result is 0
-/// returns the number of voxels; 0 if the start lies outside or holds the value already
+/// returns the number of voxels, INT_MAX for more; 0 if the start lies outside or holds the value already
 /// throws  McMemoryException if the stack cannot grow; a part of the region is then overwritten
 ///
 /// A scan-line fill after P. Heckbert, "A Seed Fill Algorithm", Graphics Gems, 1990.
