@@ -128,7 +128,7 @@ bool HxData::save(const char* path, McString& error)
 
 bool HxData::writeFile(const char* path, McString& error)
 {
-    return HxFileAccess::write(this, path, error);
+    return HxFileAccess::write(this, path, HxFileAccess::Form::bySuffix, error);
 }
 
 void HxData::touch(unsigned int mask)

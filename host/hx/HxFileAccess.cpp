@@ -1,10 +1,11 @@
 #include "hx/HxFileAccess.h"
 
+#include "hx/HxBusyPass.h"
 #include "hx/HxColormap.h"
-#include "mc/McException.h"
 
 #include <exception>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -40,6 +41,8 @@ McString sentence(const char* path, const char* reason)
     return McString(path) + ": " + reason;
 }
 
+constexpr const char* kNoMemory = "there is not enough memory.";
+
 } // namespace
 
 void HxFileAccess::setReader(Reader reader)
@@ -60,6 +63,7 @@ HxData* HxFileAccess::load(const McDArray<McString>& paths, bool asLabels, McStr
     }
     const McString& first = paths[0];
     HxData* data = nullptr;
+    const HxBusyPass busy(McString("Reading ") + baseName(first));
     try {
         if (paths.size() == 1 && HxColormap::isColormapFile(first)) {
             data = loadColormap(first, error);
@@ -68,6 +72,9 @@ HxData* HxFileAccess::load(const McDArray<McString>& paths, bool asLabels, McStr
         } else {
             error = sentence(first, "there is no reader for data files.");
         }
+    } catch (const std::bad_alloc&) {
+        error = sentence(first, kNoMemory);
+        return nullptr;
     } catch (const std::exception& exception) {
         error = sentence(first, exception.what());
         return nullptr;
@@ -78,7 +85,7 @@ HxData* HxFileAccess::load(const McDArray<McString>& paths, bool asLabels, McStr
     return data;
 }
 
-bool HxFileAccess::write(HxData* data, const char* path, McString& error)
+bool HxFileAccess::write(HxData* data, const char* path, Form form, McString& error)
 {
     if (!*path) {
         error = "The file has no name.";
@@ -88,8 +95,12 @@ bool HxFileAccess::write(HxData* data, const char* path, McString& error)
         error = sentence(path, "there is no writer for data files.");
         return false;
     }
+    const HxBusyPass busy(McString("Writing ") + baseName(path));
     try {
-        return theWriter()(data, path, error);
+        return theWriter()(data, path, form, error);
+    } catch (const std::bad_alloc&) {
+        error = sentence(path, kNoMemory);
+        return false;
     } catch (const std::exception& exception) {
         error = sentence(path, exception.what());
         return false;
@@ -99,4 +110,9 @@ bool HxFileAccess::write(HxData* data, const char* path, McString& error)
 bool HxFileAccess::save(HxData* data, const char* path, McString& error)
 {
     return data->save(path, error);
+}
+
+bool HxFileAccess::saveInOwnForm(HxData* data, const char* path, McString& error)
+{
+    return write(data, path, Form::own, error);
 }

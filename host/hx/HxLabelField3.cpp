@@ -1,13 +1,13 @@
 #include "hx/HxLabelField3.h"
 
+#include "hx/HxBusyPass.h"
+#include "hx/HxFileAccess.h"
 #include "hx/HxMessage.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxStackedLabelField3.h"
 #include "hx/HxUniformLabelField3.h"
-#include "hx/HxWorkArea.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -16,18 +16,6 @@ int threadsFor(const HxLattice3& lattice)
     constexpr unsigned long kWorthSharing = 1 << 20; // bytes; waking other threads costs more below
     return lattice.numBytes() < kWorthSharing ? 1 : HxSettingsMgr::getInstance()->numThreads();
 }
-
-/// A pass over all voxels, busy as long as it lives.
-class BusyPass
-{
-public:
-    BusyPass() { HxWorkArea::getTheWorkArea()->busyOn(); }
-    ~BusyPass() { HxWorkArea::getTheWorkArea()->busyOff(); }
-    BusyPass(const BusyPass&) = delete;
-    BusyPass& operator=(const BusyPass&) = delete;
-
-    bool interrupted() const { return HxWorkArea::getTheWorkArea()->interrupted(); }
-};
 
 // Labels between two looks at an interruption: hundredths of a second, and long enough to share out.
 constexpr long kBytesPerPoll = 1 << 26;
@@ -47,7 +35,7 @@ int runCount(HxLabelField3& field, const HxScriptCall& call)
     const unsigned char* labels = field.labelLattice()->getLabels();
     const long n = static_cast<long>(field.labelLattice()->numNodes());
     const int threads = threadsFor(*field.lattice());
-    const BusyPass pass;
+    const HxBusyPass pass;
     long count = 0;
     for (long begin = 0; begin < n; begin += kBytesPerPoll) {
         if (pass.interrupted()) return call.error("interrupted");
@@ -138,7 +126,7 @@ float HxLabelField3::getSurfaceArea(int material)
     const long nz = static_cast<long>(dims[2]);
     const int threads = threadsFor(*lattice());
     const long slicesPerPoll = std::max(kBytesPerPoll / static_cast<long>(dims[0] * dims[1]), 1l);
-    const BusyPass pass;
+    const HxBusyPass pass;
     long x = 0, y = 0, z = 0;
     for (long begin = 0; begin < nz; begin += slicesPerPoll) {
         if (pass.interrupted()) return 0;
@@ -158,19 +146,10 @@ float HxLabelField3::getSurfaceArea(int material)
 
 bool HxLabelField3::writeVorelMeshBinary(const char* path)
 {
-    // The form follows from the suffix, and the name asked for may end in anything.
-    const McString written = McString(path) + ".writing.nrrd";
     McString error;
-    if (!writeFile(written, error)) {
-        HxMessage::getTheMsg()->printf("%s", error.c_str());
-        return false;
-    }
-    if (std::rename(written, path) != 0) {
-        HxMessage::getTheMsg()->printf("%s: the finished file could not be given this name.", path);
-        std::remove(written);
-        return false;
-    }
-    return true;
+    if (HxFileAccess::saveInOwnForm(this, path, error)) return true;
+    HxMessage::getTheMsg()->printf("%s", error.c_str());
+    return false;
 }
 
 McInterface* HxLabelField3::getInterface(McTypeId type)

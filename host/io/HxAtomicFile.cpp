@@ -1,6 +1,7 @@
 #include "io/HxAtomicFile.h"
 
 #include "io/HxFileError.h"
+#include "io/hxStopIfInterrupted.h"
 
 #include <algorithm>
 #include <atomic>
@@ -20,11 +21,18 @@ std::string folderOf(const std::string& path)
     return folder.empty() ? "." : folder;
 }
 
+// Step by step, so that a link to a file that does not exist yet leads there, too.
 std::string followLinks(const std::string& path)
 {
-    std::error_code failed;
-    const std::filesystem::path real = std::filesystem::weakly_canonical(path, failed);
-    return failed ? path : real.string();
+    constexpr int kMostLinks = 40; // as the system itself
+    std::filesystem::path at = path;
+    for (int i = 0; i < kMostLinks; ++i) {
+        std::error_code noLink;
+        const std::filesystem::path next = std::filesystem::read_symlink(at, noLink);
+        if (noLink) return at.string();
+        at = at.parent_path() / next; // an absolute one stays itself
+    }
+    throw HxFileError(path, "is a link that leads back to itself");
 }
 
 } // namespace
@@ -64,10 +72,10 @@ HxAtomicFile::~HxAtomicFile()
 
 void HxAtomicFile::write(const void* data, std::size_t bytes)
 {
-    constexpr std::size_t kAtMost = std::size_t(1) << 30; // one call of the system takes no more than 2 GiB
     const char* from = static_cast<const char*>(data);
     while (bytes > 0) {
-        const ssize_t done = ::write(descriptor, from, std::min(bytes, kAtMost));
+        hxStopIfInterrupted(target);
+        const ssize_t done = ::write(descriptor, from, std::min(bytes, kHxBytesPerPoll));
         if (done < 0 && errno == EINTR) continue;
         if (done < 0) fail("be written", errno);
         from += done;

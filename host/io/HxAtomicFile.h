@@ -24,7 +24,7 @@ public:
     const std::string& path() const { return temporary; }
     const std::string& targetName() const { return target; }
 
-    /// Appends bytes. Not for files that another writer opens by name.
+    /// Appends bytes; an interruption is an error. Not for files that another writer opens by name.
     void write(const void* data, std::size_t bytes);
     void write(const std::string& text) { write(text.data(), text.size()); }
 

@@ -20,7 +20,7 @@ HxData* readData(const McDArray<McString>& paths, bool asLabels, McString& error
     }
 }
 
-bool writeData(HxData* data, const char* path, McString& error)
+bool writeData(HxData* data, const char* path, HxFileAccess::Form form, McString& error)
 {
     const auto* field = dynamic_cast<const HxRegScalarField3*>(data);
     if (!field) {
@@ -28,7 +28,7 @@ bool writeData(HxData* data, const char* path, McString& error)
         return false;
     }
     try {
-        hxWriteFile(*field, path);
+        hxWriteFile(*field, path, form == HxFileAccess::Form::own);
         return true;
     } catch (const HxFileError& failure) {
         error = failure.what();

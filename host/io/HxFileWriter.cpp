@@ -11,7 +11,11 @@
 #include "io/HxVolumeField.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -47,13 +51,26 @@ constexpr Suffix kSuffixes[] = {
     {".nhdr", Format::unwritable},
     {".hdr", Format::unwritable},
     {".img", Format::unwritable},
-    {".img.gz", Format::unwritable},
     {".dcm", Format::unwritable},
     {".dicom", Format::unwritable},
     {".png", Format::unwritable},
     {".jpg", Format::unwritable},
     {".jpeg", Format::unwritable},
     {".bmp", Format::unwritable},
+    {".gif", Format::unwritable},
+    {".vtk", Format::unwritable},
+    {".vti", Format::unwritable},
+    {".mnc", Format::unwritable},
+    {".mgh", Format::unwritable},
+    {".mgz", Format::unwritable},
+    {".gipl", Format::unwritable},
+    {".raw", Format::unwritable},
+    {".npy", Format::unwritable},
+    {".h5", Format::unwritable},
+    {".gz", Format::unwritable},
+    {".bz2", Format::unwritable},
+    {".xz", Format::unwritable},
+    {".zip", Format::unwritable},
 };
 
 bool endsWith(const std::string& text, const std::string& end)
@@ -112,7 +129,7 @@ void warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geomet
             lost.push_back("the names and colours of the materials");
         const std::vector<std::string> names = parametersThatAreLost(field);
         if (!names.empty()) lost.push_back("the parameters (" + listed(names) + ")");
-        if (!geometry.zPositions.empty()) lost.push_back("the positions of the slices");
+        if (geometry.zPositions.size() > 1) lost.push_back("the positions of the slices");
     }
     if (format == Format::tiff) lost.push_back("the place in space and the slice distance");
     if (hasWeights(field)) lost.push_back("the weights of the labels");
@@ -120,19 +137,76 @@ void warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geomet
         HxMessage::getTheMsg()->printf("%s: the file does not keep %s.", path.c_str(), listed(lost).c_str());
 }
 
-void writeMeta(const HxLattice3& lattice, const HxVolumeGeometry& geometry, const std::string& path,
-               bool inTwoFiles)
+/// An empty file whose name nothing else had; removed at the end unless kept.
+class FreshFile
 {
-    HxAtomicFile header(path);
-    const HxFileType type = hxFileType(lattice.primType());
-    if (!inTwoFiles) {
-        HxMetaImageFile::write(header, nullptr, lattice.dims(), type, lattice.dataPtr(), geometry);
-    } else {
-        HxAtomicFile voxels(std::filesystem::path(path).replace_extension(".raw").string());
-        HxMetaImageFile::write(header, &voxels, lattice.dims(), type, lattice.dataPtr(), geometry);
-        voxels.commit();
+public:
+    explicit FreshFile(const std::filesystem::path& header)
+    {
+        for (int n = 0; !isMade; ++n) {
+            name = (header.parent_path() / rawName(header, n)).string();
+            const int file = ::open(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+            if (file < 0 && errno != EEXIST) return; // who writes to it will tell the reason
+            isMade = file >= 0;
+            if (isMade) ::close(file);
+        }
     }
+    ~FreshFile()
+    {
+        if (isMade) ::unlink(name.c_str());
+    }
+    FreshFile(const FreshFile&) = delete;
+    FreshFile& operator=(const FreshFile&) = delete;
+
+    const std::string& path() const { return name; }
+    void keep() { isMade = false; }
+
+    static std::string rawName(const std::filesystem::path& header, int n)
+    {
+        return header.stem().string() + (n > 0 ? "-" + std::to_string(n) : "") + ".raw";
+    }
+
+private:
+    std::string name;
+    bool isMade = false;
+};
+
+// Voxels of a header that a save has replaced go if their name is one that a save gives.
+void removeOldVoxels(const std::filesystem::path& header, const std::string& old)
+{
+    const std::string stem = header.stem().string() + "-";
+    int n = 0; // of "NAME-<n>.raw"; text that is no number leads to another name
+    if (old.compare(0, stem.size(), stem) == 0) n = std::atoi(old.c_str() + stem.size());
+    if (old != FreshFile::rawName(header, n)) return;
+    std::error_code failed;
+    std::filesystem::remove(header.parent_path() / old, failed);
+    if (failed)
+        HxMessage::getTheMsg()->printf("%s: the old voxels in %s remain: %s.", header.c_str(), old.c_str(),
+                                       failed.message().c_str());
+}
+
+// New voxels never take the place of others: until the header is exchanged, the old volume is whole, and
+// from then on the new one is.
+void writeMetaInTwoFiles(const HxLattice3& lattice, const HxVolumeGeometry& geometry, const std::string& path)
+{
+    const std::string old = HxMetaImageFile::dataFileOf(path);
+    HxAtomicFile header(path);
+    FreshFile fresh(path);
+    HxAtomicFile voxels(fresh.path());
+    HxMetaImageFile::write(header, &voxels, lattice.dims(), hxFileType(lattice.primType()), lattice.dataPtr(),
+                           geometry);
+    voxels.commit();
     header.commit();
+    fresh.keep();
+    removeOldVoxels(path, old);
+}
+
+void writeMeta(const HxLattice3& lattice, const HxVolumeGeometry& geometry, const std::string& path)
+{
+    HxAtomicFile file(path);
+    HxMetaImageFile::write(file, nullptr, lattice.dims(), hxFileType(lattice.primType()), lattice.dataPtr(),
+                           geometry);
+    file.commit();
 }
 
 void writeTiff(const HxLattice3& lattice, const HxVolumeGeometry& geometry, const std::string& path)
@@ -151,9 +225,9 @@ void writeTiff(const HxLattice3& lattice, const HxVolumeGeometry& geometry, cons
 
 } // namespace
 
-void hxWriteFile(const HxRegScalarField3& field, const std::string& path)
+void hxWriteFile(const HxRegScalarField3& field, const std::string& path, bool inOwnForm)
 {
-    const Format format = formatOf(path);
+    const Format format = inOwnForm ? Format::nrrd : formatOf(path);
     const HxLattice3& lattice = *field.lattice();
     if (!lattice.dataPtr() || lattice.numNodes() == 0) throw HxFileError(path, "the field is empty");
     if (lattice.numDataVars() != 1) throw HxFileError(path, "fields of several components cannot be saved");
@@ -175,8 +249,10 @@ void hxWriteFile(const HxRegScalarField3& field, const std::string& path)
         break;
     }
     case Format::meta:
+        writeMeta(lattice, geometry, path);
+        break;
     case Format::metaInTwoFiles:
-        writeMeta(lattice, geometry, path, format == Format::metaInTwoFiles);
+        writeMetaInTwoFiles(lattice, geometry, path);
         break;
     case Format::tiff:
         writeTiff(lattice, geometry, path);

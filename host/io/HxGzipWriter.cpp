@@ -2,6 +2,7 @@
 
 #include "io/HxAtomicFile.h"
 #include "io/HxFileError.h"
+#include "io/hxStopIfInterrupted.h"
 
 #include <algorithm>
 
@@ -32,6 +33,7 @@ void HxGzipWriter::write(const void* data, std::size_t bytes)
     const char* from = static_cast<const char*>(data);
     while (bytes > 0) {
         const std::size_t n = std::min(bytes, kChunk);
+        hxStopIfInterrupted(file.targetName()); // much may be packed before there is anything to write
         stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(from));
         stream.avail_in = static_cast<uInt>(n);
         while (pack(Z_NO_FLUSH)) {

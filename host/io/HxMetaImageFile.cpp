@@ -187,6 +187,16 @@ HxVolume HxMetaImageFile::read(const std::string& path)
     return volume;
 }
 
+std::string HxMetaImageFile::dataFileOf(const std::string& path)
+{
+    try {
+        const HxVoxelSource source = sourceOf(Header(path));
+        return source.files.size() == 1 && source.files[0] != path ? source.files[0] : "";
+    } catch (const HxFileError&) {
+        return ""; // any other file, or none
+    }
+}
+
 void HxMetaImageFile::write(HxAtomicFile& file, HxAtomicFile* dataFile, const unsigned long* dims,
                             HxFileType type, const void* voxels, const HxVolumeGeometry& geometry)
 {

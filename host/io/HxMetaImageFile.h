@@ -15,6 +15,10 @@ struct HxMetaImageFile
     /// throws HxFileError
     static HxVolume read(const std::string& path);
 
+    /// The one file of voxels that the header in a file names; empty if there is no such header, or the
+    /// voxels are in it or in several files.
+    static std::string dataFileOf(const std::string& path);
+
     /// dataFile  null: the voxels follow the header in `file`. Otherwise they go there, and the header names
     ///           it; the caller commits it first
     /// throws HxFileError

@@ -6,6 +6,7 @@
 #include "io/HxLibraryProbe.h"
 #include "io/HxNaturalOrder.h"
 #include "io/HxPictureFile.h"
+#include "io/hxStopIfInterrupted.h"
 
 #include <algorithm>
 #include <cstring>
@@ -82,6 +83,7 @@ HxVolume HxSliceSeries::join(const std::vector<std::unique_ptr<HxSliceFile>>& fi
     const std::size_t sliceBytes = volume.bytes() / files.size();
     char* to = static_cast<char*>(volume.data());
     for (const auto& file : files) {
+        hxStopIfInterrupted(named);
         HxVolume slice = file->read();
         slice.convert(file->path(), type);
         std::memcpy(to, slice.data(), sliceBytes);

@@ -1,6 +1,7 @@
 #include "io/HxVoxelSource.h"
 
 #include "io/HxFileError.h"
+#include "io/hxStopIfInterrupted.h"
 
 #include <algorithm>
 #include <bit>
@@ -176,12 +177,15 @@ std::size_t parseNumbers(const std::string& text, T* out, std::size_t count)
 
 void HxVoxelSource::check(const std::vector<unsigned long>& sizes, HxFileType type) const
 {
+    constexpr long long kFarthest = 1LL << 60; // so that sums of places in a file stay small enough
+    if (offset > kFarthest || byteSkip > kFarthest) fail("the header skips more bytes than any file holds");
     const std::size_t element = hxSizeOf(type);
     std::size_t total = element;
     for (unsigned long n : sizes)
         if (n == 0 || __builtin_mul_overflow(total, n, &total) || total > SIZE_MAX / 2)
             fail("the header announces no voxels, or more than any memory holds");
-    if (total % files.size() != 0)
+    // Files that split an element between them are left to no reader.
+    if (total / element % files.size() != 0)
         fail("the voxels do not fill " + std::to_string(files.size()) + " data files evenly");
     const std::size_t needed = total / files.size();
     std::size_t least = needed;
@@ -235,6 +239,15 @@ void HxVoxelSource::readPart(const std::string& file, char* out, std::size_t byt
     char c = 0;
     for (long long lines = 0; lines < lineSkip && ::read(in, &c, 1) == 1; ++start) lines += c == '\n';
 
+    // In blocks, between which the person can stop; fewer bytes than asked for where the data end.
+    const auto readBlocks = [&](auto&& read) {
+        std::size_t done = 0;
+        for (std::size_t got = 1; done < bytes && got > 0; done += got) {
+            hxStopIfInterrupted(header);
+            got = read(out + done, std::min(kHxBytesPerPoll, bytes - done));
+        }
+        return done;
+    };
     const auto needAll = [&](std::size_t found) {
         if (found < bytes)
             fail("the voxels end after " + std::to_string(found) + " of " + std::to_string(bytes) + " bytes");
@@ -244,16 +257,17 @@ void HxVoxelSource::readPart(const std::string& file, char* out, std::size_t byt
             ::lseek(in, -static_cast<off_t>(bytes), SEEK_END);
         else
             ::lseek(in, start + byteSkip, SEEK_SET);
-        needAll(readFully(in, out, bytes));
+        needAll(readBlocks([&](char* to, std::size_t n) { return readFully(in, to, n); }));
     } else if (encoding == Encoding::deflated) {
         Inflater packed(in);
         char skipped;
         for (long long i = 0; i < byteSkip && packed.read(&skipped, 1) == 1;) ++i;
-        const std::size_t found = packed.read(out, bytes);
+        const std::size_t found = readBlocks([&](char* to, std::size_t n) { return packed.read(to, n); });
         if (packed.isDamaged()) fail("the packed voxels are damaged");
         needAll(found);
         if (!packed.endsIntact() || packed.isDamaged()) fail("the packed voxels are damaged");
     } else {
+        hxStopIfInterrupted(header);
         const off_t end = ::lseek(in, 0, SEEK_END);
         ::lseek(in, start + std::max(0LL, byteSkip), SEEK_SET);
         std::string text(static_cast<std::size_t>(std::max<off_t>(0, end - start)), 0);
@@ -272,11 +286,14 @@ std::vector<std::string> HxVoxelSource::numberedFiles(const std::string& header,
                                                       long long first, long long last, long long step)
 {
     constexpr long long kMost = 1000000;
+    constexpr long long kLargest = 1LL << 60; // so that differences and steps stay small enough
+    const auto isLarge = [](long long n) { return n < -kLargest || n > kLargest; };
     const auto percent = pattern.find('%');
     const auto d =
         percent == std::string::npos ? percent : pattern.find_first_not_of("0123456789", percent + 1);
     const bool isPattern = d != std::string::npos && pattern[d] == 'd' && d - percent < 5;
-    if (!isPattern || step == 0 || (last - first) / step < 0 || (last - first) / step > kMost)
+    if (!isPattern || isLarge(first) || isLarge(last) || isLarge(step) || step == 0 ||
+        (last - first) / step < 0 || (last - first) / step > kMost)
         throw HxFileError(header, "the pattern \"" + pattern + "\" names no data files");
 
     const std::string format = pattern.substr(percent + 1, d - percent - 1);

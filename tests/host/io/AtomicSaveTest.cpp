@@ -1,5 +1,7 @@
 #include "FileTest.h"
 
+#include "hx/HxWorkArea.h"
+
 #include <csignal>
 #include <cstdlib>
 #include <sys/resource.h>
@@ -70,8 +72,10 @@ TEST_F(AtomicSave, AFailureLeavesTheOldFileAndNothingElse)
     std::filesystem::create_directories(path("is-a-folder.nrrd"));
     EXPECT_FALSE(save(image, path("is-a-folder.nrrd")));
     EXPECT_THAT(error, HasSubstr("is no regular file"));
-    EXPECT_FALSE(save(image, path("a.png")));
-    EXPECT_THAT(error, HasSubstr("this format cannot be written; the suffixes are .nrrd, "));
+    for (const char* foreign : {"a.png", "a.hdr.gz", "a.VTK", "a.mnc", "a.tar.gz"}) {
+        EXPECT_FALSE(save(image, path(foreign))) << foreign;
+        EXPECT_THAT(error, HasSubstr("this format cannot be written; the suffixes are .nrrd, "));
+    }
     EXPECT_FALSE(save(image, path("a.seg.nrrd")));
     EXPECT_THAT(error, HasSubstr("an image is no segmentation"));
 }
@@ -108,6 +112,68 @@ TEST_F(AtomicSave, KeepsPermissionsAndFollowsLinks)
     EXPECT_EQ(info.st_mode & 0777U, 0640U);
     expectSameVoxels(image, load(file));
     EXPECT_EQ(std::string(image->getFilename()), path("link.nrrd"));
+
+    // A link to a file that does not exist yet, by way of another one.
+    std::filesystem::create_symlink("real/other.nrrd", path("first.nrrd"));
+    std::filesystem::create_symlink(path("first.nrrd"), path("second.nrrd"));
+    ASSERT_TRUE(save(image, path("second.nrrd"))) << error;
+    EXPECT_TRUE(std::filesystem::is_symlink(path("second.nrrd")));
+    EXPECT_TRUE(std::filesystem::is_symlink(path("first.nrrd")));
+    expectSameVoxels(image, load(path("real/other.nrrd")));
+    std::filesystem::create_symlink("round.nrrd", path("round.nrrd"));
+    EXPECT_FALSE(save(image, path("round.nrrd")));
+    EXPECT_THAT(error, HasSubstr("is a link that leads back to itself"));
+}
+
+TEST_F(AtomicSave, AnInterruptionLeavesEverythingAsItWas)
+{
+    HxWorkArea& area = *HxWorkArea::getTheWorkArea();
+    const Field image = randomImage({64, 64, 16}, 0);
+    for (const char* name : {"a.nrrd", "a.nii", "a.nii.gz", "a.mha", "a.mhd"}) {
+        SCOPED_TRACE(name);
+        const std::string file = path(name);
+        ASSERT_TRUE(save(randomImage({3, 2, 2}, 1), file)) << error;
+        const std::string before = bytesOf(file);
+        const std::size_t numBefore = numFiles();
+        // The first test passes, so that a part of the new file exists.
+        area.interruptAfter(2);
+        EXPECT_FALSE(save(image, file));
+        EXPECT_THAT(error, testing::EndsWith(": interrupted."));
+        EXPECT_EQ(bytesOf(file), before);
+        EXPECT_EQ(numFiles(), numBefore);
+        EXPECT_TRUE(load(file)) << error;
+
+        area.interruptAfter(1);
+        EXPECT_FALSE(load(file));
+        EXPECT_EQ(error, file + ": interrupted.");
+        EXPECT_EQ(area.busyDepth(), 0);
+        EXPECT_FALSE(area.interrupted()) << "the next operation starts afresh";
+    }
+}
+
+TEST_F(AtomicSave, VoxelsBesideAHeaderNeverTakeThePlaceOfOthers)
+{
+    const std::string unrelated = store("scan.raw", "not ours");
+    const Field first = randomImage({4, 3, 2}, 1);
+    const Field second = randomImage({4, 3, 2}, 1);
+    ASSERT_TRUE(save(first, path("scan.mhd"))) << error;
+    EXPECT_EQ(bytesOf(unrelated), "not ours");
+    expectSameVoxels(first, load(path("scan.mhd")));
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_TRUE(save(second, path("scan.mhd"))) << error;
+        expectSameVoxels(second, load(path("scan.mhd")));
+        EXPECT_EQ(numFiles(), 3U) << "the voxels of the old header go";
+    }
+    EXPECT_EQ(bytesOf(unrelated), "not ours");
+
+    // Voxels under another name belong to somebody else, whatever a header says of them.
+    std::filesystem::rename(unrelated, path("shared.raw"));
+    store("own.mhd", "ObjectType = Image\nNDims = 3\nDimSize = 4 2 1\nElementType = MET_UCHAR\n"
+                     "ElementDataFile = shared.raw\n");
+    ASSERT_TRUE(load(path("own.mhd"))) << error;
+    ASSERT_TRUE(save(first, path("own.mhd"))) << error;
+    EXPECT_EQ(bytesOf(path("shared.raw")), "not ours");
+    EXPECT_TRUE(std::filesystem::exists(path("own.raw")));
 }
 
 } // namespace

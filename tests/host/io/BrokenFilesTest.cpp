@@ -72,6 +72,10 @@ TEST_F(BrokenFiles, NrrdHeadersThatMakeNoSense)
     expectError(store("bad.nrrd", "NRRD0004\n" + ok), "has no end");
     expectError(nrrd("type: uint8\ndimension: 2\nsizes: 2 2\nencoding: ascii\n", "1 2 3 four"),
                 "3 of 4 numbers");
+    expectError(nrrd(ok + "byte skip: 9223372036854775807\n"), "skips more bytes than any file holds");
+    expectError(nrrd(ok + "data file: s%d.raw -9223372036854775807 9223372036854775807 1\n"),
+                "names no data files");
+    expectError(nrrd(ok + "data file: s%d.raw 1 8 1\n"), "do not fill 8 data files evenly");
     expectError(nrrd(ok + "Segment0_ID:=a\nSegment0_LabelValue:=300\n"), "Segment0_LabelValue is \"300\"");
     expectError(nrrd(ok + "Segment0_ID:=a\nSegment0_Layer:=7\n"), "Segment0_Layer is \"7\"");
 }
