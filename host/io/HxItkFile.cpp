@@ -135,6 +135,13 @@ HxItkFile::HxItkFile(const std::string& path, HxFileKind fileKind)
         double unit[3] = {0, 0, 0};
         for (std::size_t x = 0; x < std::min<std::size_t>(direction.size(), 3); ++x)
             unit[x] = direction[x] + 0.0;
+        // A matrix of a foreign file may stretch its axes; the spacing says all of that here.
+        constexpr double kLengthTolerance = 1e-6;
+        const double length = std::hypot(unit[0], unit[1], unit[2]);
+        if (std::isfinite(length) && length > 0 && std::abs(length - 1) > kLengthTolerance) {
+            place.spacing[k] *= length;
+            for (double& x : unit) x /= length;
+        }
         place.setAxis(static_cast<int>(k), unit);
     }
     const auto* found =

@@ -18,6 +18,8 @@ constexpr char kParameters[] = "Vorel_Parameters";
 constexpr char kZPositions[] = "Vorel_ZPositions";
 constexpr char kLabelForm[] = "labels";
 constexpr char kImageForm[] = "image";
+constexpr char kPairs[] = "NrrdPairs"; // the bundle of foreign pairs
+constexpr char kBetween[] = ":=";
 
 void readZPositions(const HxNrrdFile& file, HxVolume& volume, std::vector<std::string>& warnings)
 {
@@ -49,9 +51,40 @@ void readParameters(const HxNrrdFile& file, HxParamBundle& parameters)
         throw HxFileError(file.fileName(), "its parameters (" + std::string(kParameters) + ") are damaged");
 }
 
+bool isOwnPair(const std::string& key)
+{
+    return key == kForm || key == kParameters || key == kZPositions || HxSegments::isKey(key);
+}
+
+// Keys may hold what names of parameters may not, so a pair is one text, as in the file.
+void readForeignPairs(const HxNrrdFile& file, HxParamBundle& parameters)
+{
+    HxParamBundle kept(kPairs);
+    for (const auto& [key, text] : file.keyValues())
+        if (!isOwnPair(key))
+            kept.set(McString::printf("Pair%d", kept.nParameters()), (key + kBetween + text).c_str());
+    if (kept.nParameters() > 0)
+        parameters.bundle(kPairs, 1)->copy(kept);
+    else
+        parameters.remove(kPairs); // what old parameters say of a pair that is gone
+}
+
+void writeForeignPairs(const HxParamBundle& parameters, HxNrrdPairs& pairs)
+{
+    const HxParamBundle* kept = parameters.bundle(kPairs);
+    for (int i = 0; kept && i < kept->nParameters(); ++i) {
+        const char* value = kept->parameter(i)->getString();
+        const std::string text = value ? value : "";
+        const auto end = text.find(kBetween);
+        const bool isPair = end != std::string::npos && end > 0 && text[0] != '#';
+        if (isPair && !isOwnPair(text.substr(0, end)))
+            pairs.emplace_back(text.substr(0, end), text.substr(end + sizeof kBetween - 1));
+    }
+}
+
 std::unique_ptr<HxRegScalarField3> readLabels(const HxNrrdFile& file, std::vector<std::string>& warnings)
 {
-    std::vector<HxSegment> segments = HxSegments::read(file);
+    std::vector<HxSegment> segments = HxSegments::read(file, warnings);
     int largest = 0;
     HxVolume volume = HxSegments::readLabels(file, segments, largest);
     readZPositions(file, volume, warnings);
@@ -60,6 +93,7 @@ std::unique_ptr<HxRegScalarField3> readLabels(const HxNrrdFile& file, std::vecto
     readParameters(file, field->parameters);
     if (!segments.empty()) HxSegments::toMaterials(segments, largest, field->parameters);
     HxVolumeField::completeMaterials(*field, largest);
+    readForeignPairs(file, field->parameters);
     HxVolumeField::setGeometry(*field, geometry); // the header knows it better than old parameters
     return field;
 }
@@ -74,11 +108,14 @@ std::unique_ptr<HxRegScalarField3> readImage(const HxNrrdFile& file, bool asLabe
     if (asLabels) {
         const int largest = volume.toLabels(file.fileName());
         std::unique_ptr<HxLabelField3> labels = HxVolumeField::makeLabels(std::move(volume));
+        readParameters(file, labels->parameters);
         HxVolumeField::completeMaterials(*labels, largest);
-        return labels;
+        field = std::move(labels);
+    } else {
+        field = HxVolumeField::makeImage(std::move(volume), file.fileName());
+        readParameters(file, field->parameters);
     }
-    field = HxVolumeField::makeImage(std::move(volume), file.fileName());
-    readParameters(file, field->parameters);
+    readForeignPairs(file, field->parameters);
     HxVolumeField::setGeometry(*field, geometry);
     return field;
 }
@@ -112,6 +149,8 @@ void HxNrrdField::write(const HxRegScalarField3& field, const std::string& path)
     if (!geometry.zPositions.empty()) pairs.emplace_back(kZPositions, zPositionsText(geometry));
     if (labels)
         HxSegments::write(*labels->materials(), lattice.dims(), labels->labelLattice()->getLabels(), pairs);
+
+    writeForeignPairs(field.parameters, pairs);
 
     HxAtomicFile file(path);
     hxWriteNrrd(file, lattice.dims(), hxFileType(lattice.primType()), lattice.dataPtr(), geometry, pairs,

@@ -13,7 +13,8 @@ class HxRegScalarField3;
 ///     Vorel_Parameters  the whole parameter tree (HxParamText)
 ///     Vorel_ZPositions  a number per slice of a stacked field
 /// Another program may change the segments and leave our pairs as they were: then its names and colours
-/// win, and all else of a material follows its segment to the label that it has now.
+/// win, and all else of a material follows its segment to the label that it has now. Pairs of other
+/// programs stay in the parameter bundle "NrrdPairs", one text "key:=value" each, and are written again.
 struct HxNrrdField
 {
     /// An image, or a label field if the file is of our label form or a segmentation, or if asLabels is set.

@@ -35,6 +35,15 @@ bool isIndexed(QImage::Format format)
            format == QImage::Format_MonoLSB;
 }
 
+// The decoder turns one-bit grey of PNG files round, so that index 1 is black. Palettes keep their indices.
+bool isTurnedRound(const std::string& path, HxFileKind kind)
+{
+    constexpr std::size_t kColorTypeAt = 25; // in the first chunk, which has a fixed place and layout
+    if (kind != HxFileKind::png) return false;
+    const std::string head = HxVoxelSource::firstBytes(path, kColorTypeAt + 1);
+    return head.size() > kColorTypeAt && head[kColorTypeAt] == 0;
+}
+
 std::string lastBytes(const std::string& path, std::streamoff count)
 {
     std::ifstream in(path, std::ios::binary | std::ios::ate);
@@ -61,6 +70,7 @@ HxPictureFile::HxPictureFile(const std::string& path, HxFileKind kind) : HxSlice
         throw HxFileError(path,
                           "has several values per pixel, such as colours; only images of one can be read");
     checkEnd(kind);
+    isInverted = isTurnedRound(path, kind);
     size[0] = static_cast<unsigned long>(pixels.width());
     size[1] = static_cast<unsigned long>(pixels.height());
     elementType = format == QImage::Format_Grayscale16 ? HxFileType::uint16 : HxFileType::uint8;
@@ -83,7 +93,7 @@ HxVolume HxPictureFile::read() const
             std::memcpy(to, image.constScanLine(y), rowBytes);
         else if (image.depth() == 1)
             for (int x = 0; x < image.width(); ++x)
-                to[x] = static_cast<unsigned char>(image.pixelIndex(x, y));
+                to[x] = static_cast<unsigned char>((image.pixelIndex(x, y) != 0) != isInverted);
         else
             throw HxFileError(file, "the header and the pixels contradict each other");
     }

@@ -16,4 +16,6 @@ public:
 
 private:
     void checkEnd(HxFileKind kind) const;
+
+    bool isInverted = false; // the decoder's index 0 stands for white
 };

@@ -21,12 +21,45 @@ constexpr char kSegmentId[] = "SegmentId";
 constexpr char kSegmentTags[] = "SegmentTags";
 constexpr char kDefaultTags[] = "Segmentation.Status:inprogress|";
 
+// What write() says of the whole segmentation.
+constexpr std::pair<const char*, const char*> kSegmentationPairs[] = {
+    {"Segmentation_ContainedRepresentationNames", "Binary labelmap|"},
+    // Two names of one property: programs changed it between their versions and read one of them.
+    {"Segmentation_MasterRepresentation", "Binary labelmap"},
+    {"Segmentation_SourceRepresentation", "Binary labelmap"},
+    {"Segmentation_ReferenceImageExtentOffset", "0 0 0"},
+};
+
 // Colours pass through texts of other programs; less than half of one of 255 steps is no change.
 constexpr float kColorTolerance = 0.0015F;
 
-std::string key(std::size_t segment, const char* property)
+constexpr char kPrefix[] = "Segment";
+
+std::string key(const std::string& number, const char* property)
 {
-    return "Segment" + std::to_string(segment) + "_" + property;
+    return kPrefix + number + "_" + property;
+}
+
+// The number of a segment in a key such as "Segment12_Name", empty for other keys.
+std::string numberIn(const std::string& name)
+{
+    constexpr std::size_t kPrefixLength = sizeof kPrefix - 1;
+    if (name.compare(0, kPrefixLength, kPrefix) != 0) return "";
+    const auto end = name.find_first_not_of("0123456789", kPrefixLength);
+    const bool isNumbered = end != kPrefixLength && end != std::string::npos && name[end] == '_';
+    return isNumbered ? name.substr(kPrefixLength, end - kPrefixLength) : "";
+}
+
+// Rising; a program that deletes a segment leaves a gap.
+std::vector<std::string> segmentNumbers(const HxNrrdFile& file)
+{
+    const auto isLess = [](const std::string& a, const std::string& b) {
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
+    };
+    std::set<std::string, decltype(isLess)> numbers(isLess);
+    for (const auto& [name, text] : file.keyValues())
+        if (const std::string number = numberIn(name); !number.empty()) numbers.insert(number);
+    return std::vector<std::string>(numbers.begin(), numbers.end());
 }
 
 std::string textOf(const HxParamBundle& bundle, const char* name, const std::string& otherwise)
@@ -154,6 +187,7 @@ public:
             if (!isMovedAway(i)) last = std::max(last, i);
 
         HxParamBundle fresh("Materials");
+        for (int i = 0; old && i < old->nParameters(); ++i) fresh.insert(old->parameter(i)->clone());
         for (int label = 0; label <= last; ++label) {
             const HxSegment* segment = segmentAt(label);
             if (segment && label > 0)
@@ -295,26 +329,30 @@ struct Extents
 bool HxSegments::arePresent(const HxNrrdFile& file)
 {
     const auto isOne = [](const auto& pair) {
-        const std::string& name = pair.first;
-        if (name.compare(0, 7, "Segment") != 0) return false;
-        const auto end = name.find_first_not_of("0123456789", 7);
-        const bool isNumbered = end != 7 && end != std::string::npos && name[end] == '_';
-        return isNumbered || name.compare(0, 13, "Segmentation_") == 0;
+        return !numberIn(pair.first).empty() || pair.first.compare(0, 13, "Segmentation_") == 0;
     };
     return std::any_of(file.keyValues().begin(), file.keyValues().end(), isOne);
 }
 
-std::vector<HxSegment> HxSegments::read(const HxNrrdFile& file)
+bool HxSegments::isKey(const std::string& name)
+{
+    if (!numberIn(name).empty()) return true;
+    const auto isIt = [&](const auto& pair) { return name == pair.first; };
+    return std::any_of(std::begin(kSegmentationPairs), std::end(kSegmentationPairs), isIt);
+}
+
+std::vector<HxSegment> HxSegments::read(const HxNrrdFile& file, std::vector<std::string>& warnings)
 {
     // Older files have a layer per segment, each of zeros and ones, and say nothing of layers and labels.
     const bool isLayered = file.numLayers() > 1;
     std::vector<HxSegment> segments;
-    for (std::size_t i = 0;; ++i) {
+    for (const std::string& i : segmentNumbers(file)) {
         const std::string* id = file.value(key(i, "ID"));
         const std::string* name = file.value(key(i, "Name"));
-        if (!id && !name && !file.value(key(i, "LabelValue"))) break;
+        if (!id && !name && !file.value(key(i, "LabelValue"))) continue;
         HxSegment s;
-        const int ownLayer = isLayered ? static_cast<int>(std::min<std::size_t>(i, 1000000)) : 0;
+        int ownLayer = 0;
+        if (isLayered && !hxParseNumber(i, ownLayer)) ownLayer = file.numLayers();
         s.layer = numberOf(file, key(i, "Layer"), ownLayer, 0, file.numLayers() - 1);
         s.label = numberOf(file, key(i, "LabelValue"), 1, 0, kLabels - 1);
         if (s.layer >= file.numLayers()) throw HxFileError(file.fileName(), "has more segments than layers");
@@ -325,7 +363,11 @@ std::vector<HxSegment> HxSegments::read(const HxNrrdFile& file)
             std::istringstream numbers(*color);
             s.hasColor = static_cast<bool>(numbers >> s.color[0] >> s.color[1] >> s.color[2]);
         }
-        segments.push_back(s);
+        if (s.label == 0)
+            warnings.push_back("the segment \"" + (s.name.empty() ? s.id : s.name) +
+                               "\" has the label 0, that of the exterior, and is left out");
+        else
+            segments.push_back(s);
     }
     return segments;
 }
@@ -364,7 +406,7 @@ void HxSegments::write(const HxParamBundle& materials, const unsigned long* dims
 {
     const Extents extents(dims, labels);
     std::set<std::string> ids;
-    std::size_t i = 0;
+    int count = 0;
     for (int label = 1; label < kLabels; ++label) {
         const HxParamBundle* material = materials.bundle(label);
         if (!material && !extents.has(label)) continue;
@@ -374,6 +416,7 @@ void HxSegments::write(const HxParamBundle& materials, const unsigned long* dims
         if (!ids.insert(id).second) ids.insert(id = defaultId(label) + "_" + id);
         float rgb[3];
         segmentColor(m, rgb);
+        const std::string i = std::to_string(count++);
         keyValues.emplace_back(key(i, "ID"), id);
         keyValues.emplace_back(key(i, "Name"), segmentName(m));
         keyValues.emplace_back(key(i, "NameAutoGenerated"), "0");
@@ -384,11 +427,6 @@ void HxSegments::write(const HxParamBundle& materials, const unsigned long* dims
         keyValues.emplace_back(key(i, "Layer"), "0");
         keyValues.emplace_back(key(i, "Extent"), extents.text(label));
         keyValues.emplace_back(key(i, "Tags"), textOf(m, kSegmentTags, kDefaultTags));
-        ++i;
     }
-    keyValues.emplace_back("Segmentation_ContainedRepresentationNames", "Binary labelmap|");
-    // Two names of one property: programs changed it between their versions and read one of them.
-    keyValues.emplace_back("Segmentation_MasterRepresentation", "Binary labelmap");
-    keyValues.emplace_back("Segmentation_SourceRepresentation", "Binary labelmap");
-    keyValues.emplace_back("Segmentation_ReferenceImageExtentOffset", "0 0 0");
+    for (const auto& [name, text] : kSegmentationPairs) keyValues.emplace_back(name, text);
 }

@@ -29,8 +29,14 @@ struct HxSegments
     /// Whether the keys make the file a segmentation.
     static bool arePresent(const HxNrrdFile& file);
 
-    /// The segments of the keys, in their order. throws HxFileError
-    static std::vector<HxSegment> read(const HxNrrdFile& file);
+    /// Whether write() makes a key of this name, or a segment of a file has it.
+    static bool isKey(const std::string& name);
+
+    /// The segments of the keys, by their numbers, without those of label 0.
+    ///
+    /// warnings  sentences added at the end
+    /// throws    HxFileError
+    static std::vector<HxSegment> read(const HxNrrdFile& file, std::vector<std::string>& warnings);
 
     /// Reads the voxels as labels, merges layers into one, and sets the segments' `label` to the result.
     ///

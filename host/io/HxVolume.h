@@ -74,7 +74,8 @@ struct HxVolumeGeometry
     double origin[3] = {0, 0, 0};
     /// Unit vectors of the axes, as the columns of a matrix that is written row by row.
     double directions[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-    /// Unequal slices: a position per slice along k, rising, the first equal to origin[2];
+    /// Unequal slices: a position per slice along k, rising, the first equal to origin[2]; fields keep
+    /// them in single precision;
     /// spacing[2] is their mean distance. Empty for equal slices.
     std::vector<double> zPositions;
 

@@ -56,7 +56,7 @@ HxVolumeGeometry geometryOfBox(const HxLatticeCoords& coords)
         geometry.origin[k] = plainNumber(box[2 * k]);
         geometry.spacing[k] = plainSpacing(geometry.origin[k], box[2 * k + 1], coords.dims()[k]);
     }
-    if (const float* z = coords.zPositions(); z && coords.dims()[2] > 1)
+    if (const float* z = coords.zPositions())
         for (unsigned long k = 0; k < coords.dims()[2]; ++k) geometry.zPositions.push_back(plainNumber(z[k]));
     return geometry;
 }
@@ -113,6 +113,11 @@ std::unique_ptr<HxLabelField3> HxVolumeField::makeLabels(HxVolume&& volume)
 void HxVolumeField::completeMaterials(HxLabelField3& field, int largestLabel)
 {
     HxParamBundle& materials = *field.materials();
+    if (materials.nBundles() == 0) {
+        auto* exterior = new HxParamBundle("Exterior");
+        exterior->setFlag(HxParamBase::kFixed, 1);
+        materials.insert(exterior);
+    }
     for (int label = materials.nBundles(); label <= largestLabel; ++label) {
         auto* material = new HxParamBundle(McString::printf("Material%d", label));
         materials.insert(material);

@@ -97,6 +97,63 @@ TEST_F(ImageRoundTrip, KeepsSlicePositionsAndParametersInNrrdAndTellsWhatOthersD
     EXPECT_NEAR(load(path("stack.nii"))->coords()->voxelSize().z, 8.5 / 3, 1e-5);
 }
 
+TEST_F(ImageRoundTrip, DirectionsThatAreNoFrameAreNotWritten)
+{
+    const double nan = std::nan("");
+    const double bad[][9] = {{0, 0, 0, 0, 0, 0, 0, 0, 0},
+                             {1, 0, 0, 0, 2, 0, 0, 0, 1},
+                             {1, 1, 0, 0, 0, 0, 0, 0, 1},
+                             {nan, 0, 0, 0, 1, 0, 0, 0, 1}};
+    const double origin[3] = {1, 2, 3};
+    for (const double* directions : bad) {
+        const Field image = randomImage({3, 2, 2}, 0);
+        image->parameters.set("Directions", 9, directions);
+        image->parameters.set("Origin", 3, origin);
+        for (const char* name : {"a.nrrd", "a.nii", "a.mha"}) {
+            ASSERT_TRUE(save(image, path(name))) << error;
+            const Field again = load(path(name));
+            ASSERT_TRUE(again) << error;
+            EXPECT_EQ(boxOf(again), boxOf(image));
+        }
+    }
+}
+
+TEST_F(ImageRoundTrip, KeepsThePlaceOfASingleSliceAmongUnequalOnes)
+{
+    const unsigned long dims[3] = {5, 3, 1};
+    const float z = 5;
+    const Field image(new HxStackedScalarField3(dims, 1, &z));
+    const std::vector<float> box = boxOf(image);
+    ASSERT_TRUE(save(image, path("one.nrrd"))) << error;
+    const Field again = load(path("one.nrrd"));
+    ASSERT_TRUE(dynamic_cast<HxStackedScalarField3*>(&*again)) << error;
+    EXPECT_EQ(boxOf(again), box);
+}
+
+TEST_F(ImageRoundTrip, GivesBackThePairsOfOtherPrograms)
+{
+    const std::string foreign = "modality:=MR\nb-value 2:=a := b\nnote:=two\\nlines\\\\ and \\n\nempty:=\n";
+    const std::string header =
+        "NRRD0004\ntype: uint8\ndimension: 3\nsizes: 3 2 1\nencoding: raw\n" + foreign + "\n";
+    const Field image = load(store("a.nrrd", header + "abcdef"));
+    ASSERT_TRUE(image) << error;
+    image->parameters.set("Subject", "seven");
+    ASSERT_TRUE(save(image, path("b.nrrd"))) << error;
+    EXPECT_THAT(bytesOf(path("b.nrrd")), testing::HasSubstr("\n" + foreign));
+    const Field again = load(path("b.nrrd"));
+    ASSERT_TRUE(again && save(again, path("c.nrrd"))) << error;
+    EXPECT_EQ(bytesOf(path("c.nrrd")), bytesOf(path("b.nrrd")));
+
+    // As labels it keeps both kinds, too.
+    std::string small = bytesOf(path("b.nrrd"));
+    small.replace(small.size() - 6, 6, std::string("\0\1\2\2\0\0", 6));
+    const Field labels = load(store("small.nrrd", small), true);
+    ASSERT_TRUE(labels && save(labels, path("labels.nrrd"))) << error;
+    McString subject;
+    EXPECT_TRUE(labels->parameters.findString("Subject", subject));
+    EXPECT_THAT(bytesOf(path("labels.nrrd")), testing::HasSubstr("\n" + foreign));
+}
+
 TEST_F(ImageRoundTrip, WritesTiffStacksOfTheTypesThatTiffHolds)
 {
     for (int code : {0, 1, 7, 3}) {

@@ -33,7 +33,7 @@ std::string dump(const HxParamBundle& tree, const std::string& indent = "")
 }
 
 const std::string kForeignHead =
-    "NRRD0004\n# Complete NRRD file format specification at: a web page\ntype: unsigned char\n"
+    "NRRD0004\n# The whole format is explained at: a web page\ntype: unsigned char\n"
     "space: left-posterior-superior\n";
 const std::string kForeignTail =
     "Segmentation_ContainedRepresentationNames:=Binary labelmap|Closed surface|\n"
@@ -129,6 +129,7 @@ TEST_F(SegmentationFiles, KeepEveryParameterBitByBit)
     tree.bundle("EmptyBundle", 1)->setFlag(4, 1);
     labels(field).materials()->bundle(1)->set("Color", "0.64 0 0.8"); // kept as the string that it is
     labels(field).materials()->bundle(2)->set("void", 1);
+    labels(field).materials()->set("Palette", "a value between materials");
 
     ASSERT_TRUE(save(field, path("own"))) << error;
     const std::string before = dump(tree);
@@ -216,6 +217,24 @@ TEST_F(SegmentationFiles, OfOtherProgramsBecomeMaterialsInLabelOrder)
                              "_Color:=0.501961 0.682353 0.501961\n",
                              "_Tags:=Segmentation.Status:completed|TerminologyEntry:anatomy~123"})
         EXPECT_THAT(bytes, HasSubstr(line));
+}
+
+TEST_F(SegmentationFiles, WithGapsInTheNumbersOrWithoutMaterialsKeepAllSegments)
+{
+    const std::string head = kForeignHead + "dimension: 3\nsizes: 3 1 1\nencoding: raw\n";
+    const std::string data("\0\2\3", 3);
+    const Field gaps =
+        load(store("gaps.seg.nrrd", head + segmentKeys(1, "a", "lung", "1 0 0", 2, 0) +
+                                        segmentKeys(4, "z", "air", "0 1 1", 0, 0) +
+                                        segmentKeys(10, "b", "heart", "0 1 0", 3, 0) + kForeignTail + data));
+    ASSERT_TRUE(gaps) << error;
+    EXPECT_THAT(names(gaps), ElementsAre("Exterior", "Material1", "lung", "heart"));
+    EXPECT_THAT(console, ElementsAre(HasSubstr("the segment \"air\" has the label 0")));
+
+    const Field bare = load(store("bare.nrrd", head + "Vorel_Form:=labels\nVorel_Parameters:=\n\n" + data));
+    ASSERT_TRUE(bare) << error;
+    EXPECT_THAT(names(bare), ElementsAre("Exterior", "Material1", "Material2", "Material3"));
+    EXPECT_TRUE(labels(bare).materials()->bundle(0)->flags() & HxParamBase::kFixed);
 }
 
 TEST_F(SegmentationFiles, LayersMergeIfTheSegmentsDoNotOverlap)

@@ -151,6 +151,19 @@ TEST_F(SliceSeries, PicturesStackInNaturalOrder)
     EXPECT_THAT(error, HasSubstr("red.png: has several values per pixel"));
 }
 
+TEST_F(SliceSeries, PicturesOfOneBitAreTheirGreyOrTheirIndices)
+{
+    // 5 x 2 pixels of the bits 10110 01001, once grey, where 1 is white, and once with white as entry 0.
+    const char* const head = "89504e470d0a1a0a0000000d49484452000000050000000201";
+    const char* const pixels = "0000000c49444154789c63d8c0e00100025c00f9976c49a60000000049454e44ae426082";
+    for (const char* kind : {"00000000b8112bf0", "03000000aaa4841e00000006504c5445ffffff00000055c2d37e"}) {
+        const QByteArray bytes = QByteArray::fromHex(QByteArray(head) + kind + pixels);
+        const Field field = load(store("bits.png", bytes.toStdString()));
+        ASSERT_TRUE(field) << error;
+        EXPECT_THAT(voxels<unsigned char>(field), ElementsAre(1, 0, 1, 1, 0, 0, 1, 0, 0, 1)) << kind;
+    }
+}
+
 TEST_F(SliceSeries, TiffSlicesAndFolders)
 {
     std::filesystem::create_directories(path("tiff"));
