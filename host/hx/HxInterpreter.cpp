@@ -6,6 +6,8 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
+
 #include <tcl.h>
 
 namespace {
@@ -26,6 +28,31 @@ McString stackOf(Tcl_Interp* interp)
     return text;
 }
 
+// Touched by a signal handler, so lock-free atomics outside the class; the handler is made once.
+std::atomic<int> runningScripts{0};
+std::atomic<bool> interruptAsked{false};
+Tcl_AsyncHandler interruptHandler = nullptr;
+
+/// Marks the time in which a script runs, nested scripts included.
+class RunningScript
+{
+public:
+    RunningScript()
+    {
+        if (runningScripts++ == 0) interruptAsked = false;
+    }
+    ~RunningScript() { --runningScripts; }
+    RunningScript(const RunningScript&) = delete;
+    RunningScript& operator=(const RunningScript&) = delete;
+};
+
+int unwindScript(ClientData interp, Tcl_Interp*, int code)
+{
+    Tcl_CancelEval(static_cast<Tcl_Interp*>(interp), Tcl_NewStringObj("interrupted.", -1), nullptr,
+                   TCL_CANCEL_UNWIND);
+    return code;
+}
+
 } // namespace
 
 HxInterpreter* HxInterpreter::getTheInterpreter()
@@ -44,6 +71,7 @@ HxInterpreter::HxInterpreter()
     // Latin-1 where the locale is plain C.
     Tcl_SetSystemEncoding(nullptr, "utf-8");
     interp = Tcl_CreateInterp();
+    interruptHandler = Tcl_AsyncCreate(unwindScript, interp);
     if (Tcl_Init(interp) != TCL_OK)
         HxMessage::getTheMsg()->printf("Tcl's script library is missing, some commands will not work: %s",
                                        Tcl_GetStringResult(interp));
@@ -69,7 +97,13 @@ const char* HxInterpreter::evalf(const char* format, ...)
 
 int HxInterpreter::eval(const char* script, McString& result)
 {
-    return finish(Tcl_EvalEx(interp, script, -1, TCL_EVAL_GLOBAL), result);
+    const RunningScript running;
+    // As an object: Tcl forgets an interruption when a compiled script ends at the outermost level.
+    Tcl_Obj* compiled = Tcl_NewStringObj(script, -1);
+    Tcl_IncrRefCount(compiled);
+    const int code = finish(Tcl_EvalObjEx(interp, compiled, TCL_EVAL_GLOBAL), result);
+    Tcl_DecrRefCount(compiled);
+    return code;
 }
 
 int HxInterpreter::evalFile(const char* path, McString& result)
@@ -77,6 +111,7 @@ int HxInterpreter::evalFile(const char* path, McString& result)
     // Read as UTF-8 wherever the program runs, so that a script means the same under every locale.
     Tcl_Obj* pathObject = Tcl_NewStringObj(path, -1);
     Tcl_IncrRefCount(pathObject);
+    const RunningScript running;
     Tcl_ResetResult(interp); // a file that cannot be opened would add its error to the stack of an older one
     const int code = finish(Tcl_FSEvalFileEx(interp, pathObject, "utf-8"), result);
     Tcl_DecrRefCount(pathObject);
@@ -90,6 +125,13 @@ int HxInterpreter::finish(int code, McString& result)
     if (code != TCL_ERROR) code = TCL_OK;
     result = Tcl_GetStringResult(interp);
     return code;
+}
+
+bool HxInterpreter::interruptScript()
+{
+    if (runningScripts.load() == 0 || interruptAsked.exchange(true)) return false;
+    Tcl_AsyncMark(interruptHandler);
+    return true;
 }
 
 int HxInterpreter::openVorelSocket(int port)

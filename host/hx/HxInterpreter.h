@@ -49,6 +49,11 @@ public:
     /// with this code.
     void requestQuit(int code);
 
+    /// Ends the running script at its next step, through all levels and past any `catch`, with the error
+    /// "interrupted."; after an interrupted file the interpreter runs nothing more. Returns false if none
+    /// runs or the running one was asked already. May be called from a signal handler.
+    static bool interruptScript();
+
     /// The code of the first requestQuit, empty while nobody asked.
     std::optional<int> quitCode() const { return requestedCode; }
 

@@ -1,5 +1,7 @@
 #include "hx/HxWorkArea.h"
 
+#include "hx/HxInterpreter.h"
+
 #include <algorithm>
 #include <atomic>
 
@@ -18,7 +20,9 @@ static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_alw
 
 extern "C" void interruptFromTerminal(int)
 {
-    if (depth.load() > 0 && !stopRequested.exchange(true)) return;
+    // A script whose long operation was interrupted must not go on as if that had been finished.
+    const bool isFirstOfPhase = depth.load() > 0 && !stopRequested.exchange(true);
+    if (HxInterpreter::interruptScript() || isFirstOfPhase) return;
     _exit(kInterruptedByPerson);
 }
 

@@ -74,8 +74,8 @@ public:
     /// Not owned; null takes it away. Only between busy phases.
     void setView(HxWorkAreaView* newView) { view = newView; }
 
-    /// From now on Ctrl+C interrupts the running busy phase; a second one in the same phase, or the first
-    /// when nothing is busy, ends the process with code 130.
+    /// From now on Ctrl+C interrupts the running busy phase and the running script; a second one before
+    /// they have ended, or the first when nothing runs, ends the process with code 130.
     static void catchSignals();
 
 private:

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
 #include <future>
 #include <string>
@@ -186,6 +187,34 @@ TEST_F(HxScriptSocketTest, ASecondOpenKeepsThePortAndATakenPortIsSkipped)
     HxScriptSocket second;
     ASSERT_TRUE(second.listen(other.serverPort()));
     EXPECT_GT(second.port(), other.serverPort());
+}
+
+// The commands raise the signal that Ctrl+C raises, in the middle of a script.
+TEST(HxInterruptedScript, EndsPastEveryCatchAndTheNextOneRuns)
+{
+    HxWorkArea::catchSignals();
+    bool sawInterruption = false;
+    HxScriptCommands::add("pressCtrlC", "pressCtrlC", "", [&](Tcl_Interp*, int, const char* const*) {
+        raise(SIGINT);
+        return TCL_OK;
+    });
+    HxScriptCommands::add("busyCtrlC", "busyCtrlC", "", [&](Tcl_Interp*, int, const char* const*) {
+        HxWorkArea::getTheWorkArea()->busyOn("long");
+        raise(SIGINT);
+        sawInterruption = HxWorkArea::getTheWorkArea()->interrupted();
+        HxWorkArea::getTheWorkArea()->busyOff();
+        return TCL_OK;
+    });
+    McString result;
+    HxInterpreter* interpreter = HxInterpreter::getTheInterpreter();
+    for (const char* script : {"catch {pressCtrlC}; while 1 {catch {set a 1}}", "busyCtrlC; while 1 {}"}) {
+        EXPECT_EQ(interpreter->eval(script, result), TCL_ERROR) << script;
+        EXPECT_EQ(std::string(result.c_str()), "interrupted.") << script;
+        EXPECT_EQ(interpreter->eval("expr 6 * 7", result), TCL_OK);
+        EXPECT_EQ(std::string(result.c_str()), "42");
+    }
+    EXPECT_TRUE(sawInterruption);
+    signal(SIGINT, SIG_DFL);
 }
 
 TEST_F(HxScriptSocketTest, WaitsUntilTheBusyPhaseEnds)
