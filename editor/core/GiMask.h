@@ -2,10 +2,10 @@
 
 #include "core/GiBitRows.h"
 #include "mc/McBitfield.h"
+#include "mc/McDArray.h"
 
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 /// Calls f with `data` as a pointer to the elements of an image, so that a loop is written once for all
 /// types. Every code but 1 to 6 counts as unsigned 8 bit.
@@ -54,8 +54,10 @@ void computeMask(McBitfield& mask, const int* dims, const int* strides, const T*
     const auto width = static_cast<unsigned long>(dims[0]), height = static_cast<unsigned long>(dims[1]);
     mask.resize(width * height);
     const float low = window[0], high = window[1];
-    std::vector<unsigned char> flags((width + 31) / 32 * 32, 0);
-    std::vector<unsigned int> words(flags.size() / 32);
+    McDArray<unsigned int> wordsOfRow(static_cast<int>((width + 31) / 32));
+    McDArray<unsigned char> flagsOfRow(32 * wordsOfRow.size()); // 0 beyond the width
+    unsigned int* const words = wordsOfRow.data();
+    unsigned char* const flags = flagsOfRow.data();
     const auto* row = reinterpret_cast<const unsigned char*>(data);
     for (unsigned long y = 0; y < height; ++y, row += strides[1]) {
         if (strides[0] == static_cast<int>(sizeof(T))) { // a loop that the compiler can vectorise
@@ -71,11 +73,11 @@ void computeMask(McBitfield& mask, const int* dims, const int* strides, const T*
                 flags[x] = static_cast<unsigned char>((v >= low) & (v <= high));
             }
         }
-        for (unsigned long i = 0; i < words.size(); ++i) {
-            const unsigned char* f = flags.data() + 32 * i;
+        for (int i = 0; i < wordsOfRow.size(); ++i) {
+            const unsigned char* f = flags + 32 * i;
             words[i] = giPackFlags(f) | giPackFlags(f + 8) << 8 | giPackFlags(f + 16) << 16 |
                        giPackFlags(f + 24) << 24;
         }
-        giOrBits(mask.words(), y * width, words.data(), 0, width);
+        giOrBits(mask.words(), y * width, words, 0, width);
     }
 }

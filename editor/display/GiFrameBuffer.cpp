@@ -4,6 +4,7 @@
 #include "display/GiFrameBuffer.h"
 
 #include "display/GiShape.h"
+#include "mc/McMemory.h"
 #include "mc/McMemoryException.h"
 
 #include <algorithm>
@@ -15,6 +16,23 @@ namespace {
 
 constexpr int kDefaultAlpha = 96;
 constexpr int kExitUnsupportedPixels = 99;
+
+/// Another drawing function while it lives, also when a shape throws.
+class OtherFunction
+{
+public:
+    OtherFunction(GiFrameBuffer& target, GiFrameBuffer::Function f) : buffer(target), former(target.function)
+    {
+        buffer.setFunction(f);
+    }
+    ~OtherFunction() { buffer.setFunction(former); }
+    OtherFunction(const OtherFunction&) = delete;
+    OtherFunction& operator=(const OtherFunction&) = delete;
+
+private:
+    GiFrameBuffer& buffer;
+    GiFrameBuffer::Function former;
+};
 
 } // namespace
 
@@ -55,6 +73,7 @@ void GiFrameBuffer::defaultValues()
     lineWidth = 1;
     function = kDraw;
     browsing = false;
+    setPixelType(pixelType); // the selection's colour in this format
 }
 
 void GiFrameBuffer::setPixelType(PixelType type)
@@ -98,8 +117,8 @@ void GiFrameBuffer::setMemSize(const McVec2i& size)
     if (memory && size == memSize) return;
     const unsigned long rowBytes =
         static_cast<unsigned long>(size.x) * static_cast<unsigned long>(bytesPerPixel);
-    const unsigned long bytes = rowBytes * static_cast<unsigned long>(size.y);
-    void* block = std::realloc(memory, std::max(bytes, 1ul));
+    const unsigned long bytes = mcByteCount(rowBytes, static_cast<unsigned long>(size.y));
+    void* block = bytes > kMcAddressSpace ? nullptr : std::realloc(memory, std::max(bytes, 1ul));
     if (!block) throw McMemoryException(bytes);
     memory = static_cast<unsigned char*>(block);
     memSize = size;
@@ -187,13 +206,11 @@ void GiFrameBuffer::render(const McBox2i& box, GiShape* except)
     if (clipBox.isEmpty()) return;
     selectionLayers = std::min(selectionLayers, shapes.size());
 
-    const Function former = function;
     int i = 0;
     if (selection && selection->hidden == 0) {
-        function = kBlend;
+        const OtherFunction blending(*this, kBlend);
         for (; i < selectionLayers; ++i)
             if (shapes[i] != except) shapes[i]->render(this, clipBox);
-        function = former;
     }
     for (; i < shapes.size(); ++i)
         if (shapes[i] != except) shapes[i]->render(this, clipBox);

@@ -156,7 +156,8 @@ public:
     void drawEllipse(int cx, int cy, float rx, float ry);
     /// degrees  length of a dash
     void drawStippleEllipse(int cx, int cy, float rx, float ry, float degrees, unsigned int pixel);
-    /// Corners in any flip's zoomed coordinates, both included.
+    /// Corners in zoomed coordinates, both included. In a flipped buffer they count from the far end of the
+    /// window, unlike those of all other drawing.
     void fillRect(int x0, int y0, int x1, int y1);
     /// Draws a slice given as one pixel in memory format per data pixel, rows bytesPerRow bytes apart. The
     /// selection is blended in only while no outline shows it.
@@ -173,7 +174,7 @@ public:
     /// Memory to data coordinates, for the present offset and memory size.
     void prepareCoordLookups2();
 
-    int selectionAlpha; // weight of the selection's colour in a blend, 0 to 255
+    int selectionAlpha; // weight of the selection's colour; a blend limits it to 0 to 255
     GiViewer* viewer = nullptr;
     GiFrameBuffer* scrollBarH = nullptr;
     GiFrameBuffer* scrollBarV = nullptr;
@@ -221,7 +222,7 @@ private:
     }
     static int start(const McDArray<int>& table, int i, int total)
     {
-        if (i >= table.size()) return total - 1;
+        if (table.isEmpty() || i >= table.size()) return total > 0 ? total - 1 : 0;
         return table[i < 0 ? 0 : i];
     }
     static int extent(const McDArray<int>& table, int i) { return i >= 0 && i < table.size() ? table[i] : 0; }
@@ -237,6 +238,7 @@ private:
     /// writePixel() on a place inside the clip box.
     void writeInside(int x, int y);
     void plotLinePoint(int x, int y);
+    McBox2i reachOfLines() const;
     void fill2(const McBox2i& mem);
     void fill4(const McBox2i& mem);
     void drawDashedSide(McVec2i from, McVec2i to, float dash, unsigned int colors[2]);

@@ -8,8 +8,8 @@
 #include "hx/HxMessage.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
-#include <vector>
 
 namespace {
 
@@ -20,7 +20,7 @@ constexpr int kBurst = 8;
 
 /// Stretches data pixels into screen pixels. `line` needs room for kBurst pixels beyond the sum of the
 /// counts.
-void stretch(const unsigned int* row, const std::vector<int>& counts, unsigned int* line)
+void stretch(const unsigned int* row, const McDArray<int>& counts, unsigned int* line)
 {
     for (const int count : counts) {
         const unsigned int pixel = *row++;
@@ -31,7 +31,7 @@ void stretch(const unsigned int* row, const std::vector<int>& counts, unsigned i
     }
 }
 
-bool isOneToOne(const std::vector<int>& counts)
+bool isOneToOne(const McDArray<int>& counts)
 {
     return std::all_of(counts.begin(), counts.end(), [](int n) { return n == 1; });
 }
@@ -76,15 +76,14 @@ void GiFrameBuffer::putImageGrey8Zoomed(const unsigned int* image, unsigned long
     }
     const int firstColumn = dataColumn(clipBox.xmin), lastColumn = dataColumn(clipBox.xmax);
     const int numColumns = lastColumn - firstColumn + 1;
-    std::vector<int> counts(static_cast<std::size_t>(numColumns));
-    for (int x = clipBox.xmin; x <= clipBox.xmax; ++x)
-        ++counts[static_cast<std::size_t>(dataColumn(x) - firstColumn)];
+    McDArray<int> counts(numColumns);
+    for (int x = clipBox.xmin; x <= clipBox.xmax; ++x) ++counts[dataColumn(x) - firstColumn];
     const bool copyOnly = isOneToOne(counts);
 
     const int width = clipBox.width();
     const auto bytes = static_cast<std::size_t>(width) * sizeof(unsigned int);
-    std::vector<unsigned int> data(static_cast<std::size_t>(numColumns));
-    std::vector<unsigned int> line(static_cast<std::size_t>(width + kBurst));
+    McDArray<unsigned int> data(numColumns);
+    McDArray<unsigned int> line(width + kBurst);
     const int left = flipX ? memSize.x - 1 - (clipBox.xmax - offset.x) : clipBox.xmin - offset.x;
     const auto target = [&](int y) {
         const int my = y - offset.y;

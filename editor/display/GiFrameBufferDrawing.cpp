@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <numbers>
 #include <tuple>
+#include <utility>
 
 namespace {
 
@@ -23,6 +24,42 @@ void reportUnsupported(int number)
 {
     HxMessage::getTheMsg()->printf("Line %d: unsupported function", number);
 }
+
+/// The steps 1 to n of a walk from `start` that end between low and high; none if first > last.
+std::pair<long, long> stepsWithin(long start, int direction, long low, long high, long n)
+{
+    const long a = (low - start) * direction, b = (high - start) * direction;
+    return {std::max(1l, std::min(a, b)), std::min(n, std::max(a, b))};
+}
+
+/// How far a line has come along its minor axis after some steps along the major one.
+class LineWalk
+{
+    __extension__ using Wide = __int128; // a product of two lengths on screen
+
+public:
+    /// Begins after `steps` of a line that goes `small` along one axis and `large` along the other.
+    LineWalk(long steps, long small, long large) : rise(2 * small), run(2 * large)
+    {
+        const Wide sum = static_cast<Wide>(rise) * steps + large;
+        at = static_cast<long>(sum / run);
+        rest = static_cast<long>(sum % run);
+    }
+
+    long minor() const { return at; }
+    void next()
+    {
+        rest += rise;
+        if (rest < run) return;
+        rest -= run;
+        ++at;
+    }
+
+private:
+    long rise, run;
+    long at;
+    long rest; // 0 to run - 1: what has been gained towards the next minor step
+};
 
 float ellipseStep(float rx, float ry)
 {
@@ -112,6 +149,16 @@ void GiFrameBuffer::writeColumn(int x, int y0, int y1)
     for (int y = std::max(y0, clipBox.ymin); y <= y1; ++y) writeInside(x, y);
 }
 
+/// The pixels from which a line point can reach into the clip box, in the caller's axes.
+McBox2i GiFrameBuffer::reachOfLines() const
+{
+    constexpr int kWidest = 1; // pixels on either side of a point
+    const McBox2i& c = clipBox;
+    if (c.isEmpty()) return c;
+    const McBox2i reach(c.xmin - kWidest, c.ymin - kWidest, c.xmax + kWidest, c.ymax + kWidest);
+    return swapAxes ? McBox2i(reach.ymin, reach.xmin, reach.ymax, reach.xmax) : reach;
+}
+
 void GiFrameBuffer::plotLinePoint(int x, int y)
 {
     const int first = lineWidth == 3 ? -1 : 0;
@@ -120,26 +167,32 @@ void GiFrameBuffer::plotLinePoint(int x, int y)
         for (int dx = first; dx <= last; ++dx) writePixel(x + dx, y + dy);
 }
 
-/// Bresenham, "Algorithm for Computer Control of a Digital Plotter", 1965.
+/// Bresenham, "Algorithm for Computer Control of a Digital Plotter", 1965. Only the steps within reach of
+/// the clip box are walked: at a large zoom nearly all of a line lies outside.
 void GiFrameBuffer::drawLine(int x0, int y0, int x1, int y1)
 {
     if (x1 < x0) {
         std::swap(x0, x1);
         std::swap(y0, y1);
     }
-    const int dx = x1 - x0, dy = std::abs(y1 - y0), up = y1 < y0 ? -1 : 1;
+    const long dx = static_cast<long>(x1) - x0, dy = std::abs(static_cast<long>(y1) - y0);
+    const int up = y1 < y0 ? -1 : 1;
     const bool steep = dy > dx;
-    const int large = std::max(dx, dy), small = std::min(dx, dy);
-    int d = 2 * small - large;
+    const long large = std::max(dx, dy), small = std::min(dx, dy);
     // kept: the first point is thin whatever the line width. Lines that meet, as in an outline, would
     // otherwise thicken where they start.
     writePixel(x0, y0);
-    for (int i = 0, x = x0, y = y0; i < large; ++i) {
-        const bool diagonal = d >= 0;
-        d += diagonal ? 2 * (small - large) : 2 * small;
-        if (!steep || diagonal) ++x;
-        if (steep || diagonal) y += up;
-        plotLinePoint(x, y);
+
+    const McBox2i near = reachOfLines();
+    const auto [first, last] = steep ? stepsWithin(y0, up, near.ymin, near.ymax, large)
+                                     : stepsWithin(x0, 1, near.xmin, near.xmax, large);
+    if (first > last) return;
+    LineWalk walk(first, small, large);
+    for (long major = first; major <= last; ++major, walk.next()) {
+        const long minor = walk.minor();
+        const int x = static_cast<int>(x0 + (steep ? minor : major));
+        const int y = static_cast<int>(y0 + up * (steep ? major : minor));
+        if (near.contains(x, y)) plotLinePoint(x, y);
     }
 }
 
@@ -157,13 +210,18 @@ void GiFrameBuffer::drawRect(const McVec2i& c, const McVec2i& h)
 /// Dashes along one side, cut at its end; the colours change places at each.
 void GiFrameBuffer::drawDashedSide(McVec2i from, McVec2i to, float dash, unsigned int colors[2])
 {
-    const int length = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y));
+    const long length =
+        std::max(std::abs(static_cast<long>(to.x) - from.x), std::abs(static_cast<long>(to.y) - from.y));
     const McVec2i direction((to.x > from.x) - (to.x < from.x), (to.y > from.y) - (to.y < from.y));
     const float step = std::max(dash, 1.f);
-    int done = 0;
-    for (int i = 1; done < length; ++i) {
-        const int end = std::min(static_cast<int>(static_cast<float>(i) * step), length);
-        const McVec2i a = from + direction * done, b = from + direction * end;
+    const auto after = [&](long n) {
+        return McVec2i(static_cast<int>(from.x + direction.x * n),
+                       static_cast<int>(from.y + direction.y * n));
+    };
+    long done = 0;
+    for (long i = 1; done < length; ++i) {
+        const long end = std::min(static_cast<long>(static_cast<float>(i) * step), length);
+        const McVec2i a = after(done), b = after(end);
         currentPixel = colors[0];
         drawLine(a.x, a.y, b.x, b.y);
         std::swap(colors[0], colors[1]);
@@ -183,6 +241,8 @@ void GiFrameBuffer::drawStippleRect(const McVec2i& c, const McVec2i& h, float pe
     drawDashedSide(highLow, highHigh, dashY, colors);
     drawDashedSide(highHigh, lowHigh, dashX, colors);
     drawDashedSide(lowHigh, lowLow, dashY, colors);
+    // An outline without extent has no dashes; this line makes it a point.
+    drawLine(lowLow.x, lowLow.y, lowLow.x, lowLow.y);
     currentPixel = former;
 }
 

@@ -2,6 +2,7 @@
 
 #include "display/GiFrameBuffer.h"
 #include "hx/HxColormap.h"
+#include "mc/McDArray.h"
 #include "mc/McMemoryException.h"
 #include "mc/McSimd.h"
 
@@ -10,7 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <vector>
 
 namespace {
 
@@ -194,8 +194,8 @@ void GiGreyImage::setImage(unsigned long newWidth, unsigned long newHeight, floa
             convertBytes(table, row, width, xStride, static_cast<long>(yStride), y + 1 == height,
                          grey + y * width, packed + y * width);
     } else {
-        std::vector<float> values(roundedUp(width));
-        std::vector<int> places(values.size());
+        McDArray<float> values(static_cast<int>(roundedUp(width)));
+        McDArray<int> places(values.size());
         for (unsigned long y = 0; y < height; ++y, row += yStride) {
             readRow<T>(row, width, xStride, static_cast<long>(yStride), y + 1 == height, values.data());
             locate(values.data(), width, window, places.data(), grey + y * width);

@@ -9,6 +9,7 @@
 #include "mc/McEvent.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 

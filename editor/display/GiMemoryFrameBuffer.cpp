@@ -1,5 +1,7 @@
 #include "display/GiMemoryFrameBuffer.h"
 
+#include "mc/McMemoryException.h"
+
 #include <algorithm>
 
 GiMemoryFrameBuffer::GiMemoryFrameBuffer()
@@ -41,7 +43,21 @@ void GiMemoryFrameBuffer::setOffset(const McVec2i& p)
 
 void GiMemoryFrameBuffer::setWindowSize(const McVec2i& size)
 {
+    const McVec2i former = windowSides;
     windowSides = McVec2i(std::max(size.x, 1), std::max(size.y, 1));
+    try {
+        fitWindow();
+    } catch (const McMemoryException&) {
+        windowSides = former;
+        fitWindow();
+        throw;
+    }
+    render(nullptr);
+    paste();
+}
+
+void GiMemoryFrameBuffer::fitWindow()
+{
     if (originalSize.x > 0 && originalSize.y > 0) {
         fitMemory();
     } else {
@@ -49,6 +65,4 @@ void GiMemoryFrameBuffer::setWindowSize(const McVec2i& size)
         clear();
         prepareCoordLookups2();
     }
-    render(nullptr);
-    paste();
 }

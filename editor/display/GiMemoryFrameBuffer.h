@@ -16,10 +16,12 @@ public:
     void setOffset(const McVec2i& p) override;
     McVec2i windowSize() const override { return windowSides; }
     /// Both sides at least 1; draws.
+    /// throws  McMemoryException; the window is as large as before then
     void setWindowSize(const McVec2i& size);
 
 private:
     void fitMemory();
+    void fitWindow();
 
     McVec2i windowSides{kDefaultSide, kDefaultSide};
 };

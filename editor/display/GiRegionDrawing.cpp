@@ -1,11 +1,11 @@
 #include "display/GiRegionDrawing.h"
 
 #include "display/GiFrameBuffer.h"
+#include "mc/McDArray.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 namespace {
 
@@ -76,9 +76,9 @@ public:
     RowWindow(const GiByteRows& source, const McBox2i& range)
         : rows(source),
           firstColumn(std::max(range.xmin - 1, 0)),
-          lastColumn(std::min(range.xmax + 1, source.width - 1)),
-          buffers(3, std::vector<unsigned char>(static_cast<std::size_t>(lastColumn - firstColumn + 1)))
+          lastColumn(std::min(range.xmax + 1, source.width - 1))
     {
+        for (McDArray<unsigned char>& buffer : buffers) buffer.resize(lastColumn - firstColumn + 1);
     }
 
     /// Null outside the slice. Addressed by column.
@@ -88,8 +88,7 @@ public:
         Cached& entry = cache[y % 3];
         if (entry.y != y) {
             entry.y = y;
-            entry.values =
-                rows.read(y, firstColumn, lastColumn, buffers[static_cast<std::size_t>(y % 3)].data());
+            entry.values = rows.read(y, firstColumn, lastColumn, buffers[y % 3].data());
         }
         return entry.values;
     }
@@ -104,7 +103,7 @@ private:
 
     const GiByteRows& rows;
     int firstColumn, lastColumn;
-    std::vector<std::vector<unsigned char>> buffers;
+    McDArray<unsigned char> buffers[3];
     Cached cache[3];
 };
 

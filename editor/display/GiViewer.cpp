@@ -13,10 +13,6 @@ namespace {
 
 constexpr float kDefaultMaskingWindow[2] = {0, 1};
 
-// Axes of a slice's width and height, by orientation.
-constexpr int kWidthAxis[3] = {1, 0, 0};
-constexpr int kHeightAxis[3] = {2, 2, 1};
-
 /// Rounded to a number of screen pixels. A volume without extent along some axis gives sizes that are no
 /// numbers; they end in the limits.
 int screenPixels(float size)
@@ -69,7 +65,7 @@ void GiViewer::computeZoomedSizes(float zoom, const int* dims, const float* bbox
     };
     const auto ownPixels = [&](int axis) { return screenPixels(static_cast<float>(dims[axis]) * zoom); };
     for (int o = 0; o < 3; ++o) {
-        const int w = kWidthAxis[o], h = kHeightAxis[o];
+        const int w = giWidthAxis(o), h = giHeightAxis(o);
         // The slices across the longest axis do not contain it: they follow the others, or one of their
         // own axes.
         const int lead = o != m || matched ? m : dims[w] > 1 ? w : h;
@@ -87,7 +83,7 @@ void GiViewer::computeReplicUniform(int n, int zoomed, int* result)
 void GiViewer::computeReplicStacked(int n, int zoomed, const float* coords, int* result)
 {
     const float length = n > 1 ? coords[n - 1] - coords[0] : 0;
-    if (!(length > 0)) { // no positions to go by
+    if (length == 0 || std::isnan(length)) { // no positions to go by
         computeReplicUniform(n, zoomed, result);
         return;
     }
@@ -133,17 +129,18 @@ void GiViewer::setSlice(int newSlice, bool notify)
         if (greyImage) greyImage->clear();
         return;
     }
-    setupCoordinateSystem();
     int size[3];
     gi->imageSlices.getDims(size, orientation);
     if (size[0] == 0 || size[1] == 0 || size[2] == 0) return;
 
     slice = std::clamp(newSlice, 0, size[2] - 1);
-    if (frameBuffer) frameBuffer->resize(McVec2i(size[0], size[1]), replicX.data(), replicY.data());
-    if (labelImage) labelImage->resize(size[0], size[1]);
-    showImage(size);
+    // First what needs no memory: when there is none for the picture, labels and selection are those of
+    // this slice all the same, and edits stay inside the volume.
     if (selection) gi->selection->getSlice(selection, orientation, getSlice());
     bindLabels(size[0], size[1]);
+    setupCoordinateSystem();
+    if (frameBuffer) frameBuffer->resize(McVec2i(size[0], size[1]), replicX.data(), replicY.data());
+    showImage(size);
     redraw();
     if (notify) gi->sliceNumberChanged(this);
 }

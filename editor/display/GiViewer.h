@@ -22,6 +22,9 @@ class QCursor;
 class GiViewer : public HxViewerBase
 {
 public:
+    /// Zooming in ends here; one voxel is larger than any window by then.
+    static constexpr float kLargestZoomFactor = 1024;
+
     GiViewer(const char* title, Gi* owner);
 
     /// Goes to a slice, limited to those there are. `notify` tells the editor, so that the cross
@@ -82,7 +85,8 @@ public:
                                    McVec2i* sizes);
     /// Spreads `zoomed` pixels over n entries as evenly as whole numbers allow.
     static void computeReplicUniform(int n, int zoomed, int* result);
-    /// The same over n rows at rising positions: the share of a row goes from midpoint to midpoint.
+    /// The same over n rows at rising or falling positions: the share of a row goes from midpoint to
+    /// midpoint.
     static void computeReplicStacked(int n, int zoomed, const float* coords, int* result);
 
 protected:

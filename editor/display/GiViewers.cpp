@@ -185,12 +185,15 @@ void Gi::zoomIn()
     if (!viewer) return;
     if (fillsWindow(getCurrentViewer())) return;
     const float zoom = viewer->getZoomFactor();
+    // A slice that is one voxel thin can be larger than its window in one direction alone, for ever.
+    if (zoom >= GiViewer::kLargestZoomFactor) return;
     if (zoom < 0.51f) {
         setZoomFactor(2 * zoom);
         return;
     }
     const int n = static_cast<int>(zoom + 0.5f);
-    setZoomFactor(static_cast<float>(n >= 1 && n <= 3 ? n + 1 : static_cast<int>(n * 3 * 0.5 + 0.5)));
+    const int next = n >= 1 && n <= 3 ? n + 1 : static_cast<int>(n * 3 * 0.5 + 0.5);
+    setZoomFactor(std::min(static_cast<float>(next), GiViewer::kLargestZoomFactor));
 }
 
 void Gi::zoomOut()
@@ -228,6 +231,8 @@ void Gi::redraw()
 
 void Gi::redraw(const McBox2i& box, GiViewer* source)
 {
+    if (!source) source = getCurrentViewer();
+    if (!source) return;
     for (int i = 0; i < viewers.size(); ++i) {
         McBox2i part = box;
         if (viewers[i] != source) projectBox(source, viewers[i], box, part);
@@ -241,27 +246,19 @@ void Gi::redraw(const McBox2i& box, GiViewer* source)
 
 void Gi::projectBox(GiViewer* source, GiViewer* target, const McBox2i& box, McBox2i& result) const
 {
+    result = McBox2i(1, 1, 0, 0);
+    if (!source || !target) return;
     // Ranges along X, Y and Z of the box as a block that is one voxel thick at the source's slice.
     const int s = source->getSlice();
     int low[3], high[3];
-    const auto axesOf = [](int orientation, int axes[3]) { // of width, height and depth
-        const int o = giSliceAxis(orientation);
-        axes[0] = o == 0 ? 1 : 0;
-        axes[1] = o == 2 ? 1 : 2;
-        axes[2] = o;
-    };
-    int from[3], to[3];
-    axesOf(source->getOrientation(), from);
-    axesOf(target->getOrientation(), to);
-    low[from[0]] = box.xmin, high[from[0]] = box.xmax;
-    low[from[1]] = box.ymin, high[from[1]] = box.ymax;
-    low[from[2]] = high[from[2]] = s;
+    const int from = source->getOrientation(), to = target->getOrientation();
+    low[giWidthAxis(from)] = box.xmin, high[giWidthAxis(from)] = box.xmax;
+    low[giHeightAxis(from)] = box.ymin, high[giHeightAxis(from)] = box.ymax;
+    low[giSliceAxis(from)] = high[giSliceAxis(from)] = s;
 
+    const int w = giWidthAxis(to), h = giHeightAxis(to), depth = giSliceAxis(to);
     const int t = target->getSlice();
-    if (t >= low[to[2]] && t <= high[to[2]])
-        result = McBox2i(low[to[0]], low[to[1]], high[to[0]], high[to[1]]);
-    else
-        result = McBox2i(1, 1, 0, 0);
+    if (t >= low[depth] && t <= high[depth]) result = McBox2i(low[w], low[h], high[w], high[h]);
 }
 
 void Gi::updateSelectionBoxes()
@@ -272,6 +269,8 @@ void Gi::updateSelectionBoxes()
 
 void Gi::updateSelectionBoxes(McBox2i& box, GiViewer* viewer)
 {
+    if (!viewer) viewer = getCurrentViewer();
+    if (!viewer) return;
     if (GiSelection2D* slice = viewer->getSelection()) slice->updateSelectionBox(box);
     for (int i = 0; i < viewers.size(); ++i) {
         GiSelection2D* slice = viewers[i]->getSelection();

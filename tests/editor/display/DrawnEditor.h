@@ -50,6 +50,11 @@ public:
     TestGi gi;
 };
 
+inline std::vector<int> listed(const McDArray<int>& array)
+{
+    return {array.begin(), array.end()};
+}
+
 /// The memory image, lower 24 bits of each pixel.
 inline std::vector<unsigned int> pictureOf(const GiFrameBuffer& buffer)
 {

@@ -4,18 +4,17 @@
 
 #include "display/GiShape.h"
 #include "hx/HxMessage.h"
+#include "mc/McMemoryException.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <utility>
+
 using testing::ElementsAre;
 
 namespace {
-
-std::vector<int> listed(const McDArray<int>& array)
-{
-    return {array.begin(), array.end()};
-}
 
 /// One pixel per data pixel unless told otherwise, all black.
 class Sheet : public GiFrameBuffer
@@ -146,6 +145,11 @@ TEST(FrameBufferPixels, arePackedByType)
         EXPECT_EQ(buffer.selectionPixel, f.red) << f.type;
         EXPECT_EQ(buffer.secondPixel, f.blue) << f.type;
     }
+    Typed buffer(GiFrameBuffer::kRGBX);
+    buffer.selectionRed = 1;
+    buffer.selectionPixel = 0;
+    buffer.defaultValues();
+    EXPECT_EQ(buffer.selectionPixel, 0xFF000000u) << "red again, in the buffer's own format";
     EXPECT_EXIT(GiFrameBuffer(McVec2i(1, 1), McVec2i(1, 1), GiFrameBuffer::kXRGB),
                 testing::ExitedWithCode(99), "Unsupported pixel type");
 }
@@ -226,6 +230,59 @@ TEST(FrameBufferDrawing, lineFollowsTheIdealWithinHalfAPixel)
     }
 }
 
+/// Every step of Bresenham's rule, each point by itself.
+void drawEachStep(Sheet& sheet, long x0, long y0, long x1, long y1)
+{
+    if (x1 < x0) std::swap(x0, x1), std::swap(y0, y1);
+    const long dx = x1 - x0, dy = std::abs(y1 - y0), up = y1 < y0 ? -1 : 1;
+    const long large = std::max(dx, dy), small = std::min(dx, dy);
+    const int first = sheet.lineWidth == 3 ? -1 : 0, last = sheet.lineWidth == 1 ? 0 : 1;
+    sheet.writePixel(static_cast<int>(x0), static_cast<int>(y0));
+    for (long i = 0, x = x0, y = y0, d = 2 * small - large; i < large; ++i) {
+        const bool diagonal = d >= 0;
+        d += diagonal ? 2 * (small - large) : 2 * small;
+        if (dy <= dx || diagonal) ++x;
+        if (dy > dx || diagonal) y += up;
+        for (int v = first; v <= last; ++v)
+            for (int u = first; u <= last; ++u)
+                sheet.writePixel(static_cast<int>(x + u), static_cast<int>(y + v));
+    }
+}
+
+TEST(FrameBufferDrawing, linesFromOutsideAreThoseOfTheWholeWalk)
+{
+    std::mt19937 random(11);
+    std::uniform_int_distribution<int> at(-60, 80);
+    for (int k = 0; k < 600; ++k) {
+        Sheet sheet(20, 14), plain(20, 14);
+        const int x0 = at(random), y0 = at(random), x1 = at(random), y1 = at(random);
+        for (Sheet* s : {&sheet, &plain}) {
+            s->setLineWidth(1 + k % 3);
+            s->swapAxes = k % 5 == 0;
+            s->setClipBox(McBox2i(3, 2, 16, 11));
+        }
+        sheet.drawLine(x0, y0, x1, y1);
+        drawEachStep(plain, x0, y0, x1, y1);
+        ASSERT_EQ(drawn(sheet), drawn(plain)) << x0 << " " << y0 << " to " << x1 << " " << y1;
+    }
+}
+
+TEST(FrameBufferDrawing, linesOfAnyLengthPassThroughTheWindow)
+{
+    constexpr int kFar = std::numeric_limits<int>::max();
+    Sheet sheet(4, 3);
+    sheet.drawLine(-kFar, -kFar, kFar, kFar);
+    EXPECT_THAT(drawn(sheet), ElementsAre("r...", ".r..", "..r."));
+    Sheet level(4, 3);
+    level.setLineWidth(3);
+    level.drawLine(kFar, 0, -kFar, 0);
+    EXPECT_THAT(drawn(level), ElementsAre("rrrr", "rrrr", "...."));
+    Sheet dashes(4, 3);
+    dashes.drawStippleRect(McVec2i(1 << 29, 1), McVec2i(1 << 29, 1 << 29), 50, 0xFF);
+    EXPECT_THAT(drawn(dashes), ElementsAre("r...", "r...", "b..."))
+        << "where two dashes of the left side meet";
+}
+
 TEST(FrameBufferDrawing, outlines)
 {
     Sheet rect(7, 7);
@@ -238,6 +295,10 @@ TEST(FrameBufferDrawing, outlines)
     EXPECT_EQ(dashed.currentPixel, 0xFF0000u);
     EXPECT_THAT(drawn(dashed),
                 ElementsAre("rbbrrrb", "r.....b", "r.....b", "r.....r", "b.....r", "b.....r", "brrrbbb"));
+
+    Sheet point(3, 3);
+    point.drawStippleRect(McVec2i(1, 1), McVec2i(0, 0), 50, 0xFF);
+    EXPECT_THAT(drawn(point), ElementsAre("...", ".r.", "..."));
 
     Sheet circle(9, 9);
     circle.drawEllipse(4, 4, 3.5f, 3.5f);
@@ -350,6 +411,32 @@ TEST(FrameBufferShapes, renderInOrderWithTheLowestUnderTheBlend)
     a = nullptr;
     b = nullptr;
     EXPECT_EQ(log, "~a~b") << "the buffer gives its references back";
+}
+
+TEST(FrameBufferShapes, aShapeThatThrowsLeavesTheFunction)
+{
+    class Throwing : public GiShape
+    {
+    public:
+        void render(GiFrameBuffer*, const McBox2i&) override { throw McMemoryException(1); }
+    };
+    Sheet sheet(4, 4);
+    sheet.addShape(McHandle<GiShape>(new Throwing));
+    sheet.setSelection(McHandle<GiSelection2D>(new GiSelection2D), 1);
+    EXPECT_THROW(sheet.render(nullptr), McMemoryException);
+    EXPECT_EQ(sheet.function, GiFrameBuffer::kDraw);
+}
+
+TEST(FrameBufferTables, withoutEntriesStayAtTheOrigin)
+{
+    GiFrameBuffer buffer;
+    EXPECT_EQ(buffer.columnStart(-1), 0);
+    EXPECT_EQ(buffer.rowStart(3), 0);
+    Sheet sheet({2, 2}, {2, 2});
+    const int none = 0;
+    sheet.resize(McVec2i(0, 0), &none, &none);
+    EXPECT_EQ(sheet.offset, McVec2i(0, 0));
+    EXPECT_EQ(sheet.dataColumn(1), 0);
 }
 
 TEST(FrameBufferTables, complainAboutAMissingFirstStep)

@@ -5,9 +5,13 @@
 #include "hx/HxSettingsMgr.h"
 #include "mc/McElementType.h"
 #include "mc/McEvent.h"
+#include "mc/McMemoryException.h"
+#include "tools/GiCrossHairTool.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <limits>
 
 using testing::ElementsAre;
 
@@ -64,6 +68,20 @@ TEST(Replication, isEvenOrFollowsTheSlicePositions)
     EXPECT_THAT(stacked, ElementsAre(1, 3, 2));
     GiViewer::computeReplicStacked(1, 6, z, stacked);
     EXPECT_EQ(stacked[0], 6);
+    GiViewer::computeReplicStacked(2, 6, z, stacked);
+    EXPECT_THAT(std::vector<int>(stacked, stacked + 2), ElementsAre(3, 3));
+    const float falling[] = {3, 1, 0};
+    GiViewer::computeReplicStacked(3, 6, falling, stacked);
+    EXPECT_THAT(stacked, ElementsAre(2, 3, 1));
+    const float repeated[] = {0, 0, 2};
+    GiViewer::computeReplicStacked(3, 4, repeated, stacked);
+    EXPECT_THAT(stacked, ElementsAre(0, 2, 2)) << "the first of two slices at one place has no room";
+    const float nowhere[] = {7, 7, 7};
+    GiViewer::computeReplicStacked(3, 6, nowhere, stacked);
+    EXPECT_THAT(stacked, ElementsAre(2, 2, 2));
+    const float unknown[] = {0, 1, std::numeric_limits<float>::quiet_NaN()};
+    GiViewer::computeReplicStacked(3, 6, unknown, stacked);
+    EXPECT_THAT(stacked, ElementsAre(2, 2, 2));
 }
 
 class SliceViewer : public testing::Test
@@ -90,6 +108,61 @@ TEST_F(SliceViewer, limitsSlicesAndTellsTheEditorOnRequest)
     EXPECT_EQ(viewer.getSlice(), 3);
     EXPECT_EQ(editor.buffer(2).originalSize, McVec2i(6, 5));
     EXPECT_EQ(viewer.getSelection()->offset, 90u);
+
+    const GiCrossHairTool& crossHair = *editor.gi.crossHair;
+    const McVec3i before = crossHair.getPosition();
+    viewer.setSlice(2, false);
+    EXPECT_EQ(crossHair.getPosition(), before);
+    ASSERT_NE(before.z, 3);
+    viewer.setSlice(3, true);
+    EXPECT_EQ(crossHair.getPosition(), McVec3i(before.x, before.y, 3));
+}
+
+/// A buffer that finds no memory for a slice while it is told so.
+class PoorBuffer : public GiMemoryFrameBuffer
+{
+public:
+    void resize(const McVec2i& size, const int* columns, const int* rows) override
+    {
+        if (refuses) throw McMemoryException(1);
+        GiMemoryFrameBuffer::resize(size, columns, rows);
+    }
+    bool refuses = false;
+};
+
+TEST_F(SliceViewer, withoutMemoryForThePictureEditsStayInTheSlice)
+{
+    PoorBuffer buffer;
+    GiViewer& viewer = editor.viewer(2);
+    viewer.setFrameBuffer(&buffer);
+    viewer.setSlice(0, false);
+    buffer.refuses = true;
+    EXPECT_THROW(viewer.setOrientation(0), McMemoryException);
+    EXPECT_THROW(viewer.setSlice(5, false), McMemoryException);
+    const GiSelection2D& selection = *viewer.getSelection();
+    EXPECT_EQ(selection.width, 5u);
+    EXPECT_EQ(selection.height, 4u);
+    editor.gi.selectTissue(0, kSelectReplace, 0);
+    for (unsigned long i = 0; i < editor.size(); ++i)
+        ASSERT_EQ(editor.gi.selection->isSet(i), i % 6 == 5u) << "just the slice X = 5: " << i;
+    viewer.getLabelImage()->replaceBySelection(viewer.getSelection(), 3);
+    for (unsigned long i = 0; i < editor.size(); ++i) ASSERT_EQ(editor.labels()[i], i % 6 == 5 ? 3 : 0);
+    viewer.setFrameBuffer(nullptr);
+}
+
+TEST_F(SliceViewer, aWindowThatIsTooLargeLeavesTheOldOne)
+{
+    GiMemoryFrameBuffer& buffer = editor.buffer(2);
+    buffer.setWindowSize(McVec2i(20, 10));
+    editor.viewer(2).setZoomFactor(100000000);
+    const McVec2i sides = buffer.memSize;
+    const auto picture = pictureOf(buffer);
+    EXPECT_THROW(buffer.setWindowSize(McVec2i(1 << 30, 1 << 30)), McMemoryException);
+    EXPECT_EQ(buffer.windowSize(), McVec2i(20, 10));
+    EXPECT_EQ(buffer.memSize, sides);
+    EXPECT_EQ(pictureOf(buffer), picture);
+    editor.viewer(2).setZoomFactor(3);
+    EXPECT_EQ(buffer.memSize, McVec2i(18, 10)) << "the next slice fills the old window";
 }
 
 TEST_F(SliceViewer, flipsWithTheVolumeAxes)
@@ -138,16 +211,21 @@ TEST_F(SliceViewer, stacksSpreadTheRowsOfTheirSlices)
     const McHandle<HxLabelField3> stack((new HxLabelLattice3(coords))->create());
     const float z[] = {0, 1, 2, 6};
     coords->setZPositions(z);
+    const float box[6] = {0, 6, 0, 5, 0, 6};
+    coords->setBoundingBox(box);
     editor.gi.setVolume(editor.dims, McTypedPointer(image.data(), kMcShort), stack->labelLattice());
     editor.viewer(1).setZoomFactor(4);
-    int rows[4], columns[6];
-    GiViewer::computeReplicStacked(4, editor.buffer(1).zoomedSize.y, z, rows);
-    GiViewer::computeReplicUniform(6, editor.buffer(1).zoomedSize.x, columns);
-    EXPECT_THAT(std::vector<int>(editor.buffer(1).replicY.begin(), editor.buffer(1).replicY.end()),
-                testing::ElementsAreArray(rows));
-    EXPECT_THAT(std::vector<int>(editor.buffer(1).replicX.begin(), editor.buffer(1).replicX.end()),
-                testing::ElementsAreArray(columns));
-    EXPECT_GT(rows[3], rows[1]);
+    editor.viewer(0).setZoomFactor(4);
+    editor.viewer(2).setZoomFactor(4);
+    const auto columns = [&](int o) { return listed(editor.buffer(o).replicX); };
+    const auto rows = [&](int o) { return listed(editor.buffer(o).replicY); };
+    // 6 voxels along X of 4 pixels each cover a length of 6, and so do the slices.
+    EXPECT_THAT(rows(0), ElementsAre(2, 4, 10, 8));
+    EXPECT_THAT(rows(1), ElementsAre(2, 4, 10, 8));
+    EXPECT_THAT(rows(2), ElementsAre(4, 4, 4, 4, 4)) << "the rows of a slice are even";
+    EXPECT_THAT(columns(0), ElementsAre(4, 4, 4, 4, 4));
+    EXPECT_THAT(columns(1), ElementsAre(4, 4, 4, 4, 4, 4));
+    EXPECT_THAT(columns(2), ElementsAre(4, 4, 4, 4, 4, 4));
 }
 
 TEST_F(SliceViewer, masksTheCurrentSliceByTheWindow)
@@ -186,8 +264,22 @@ TEST_F(SliceViewer, zoomingStopsAtOnePixelAndAtADot)
     gi.zoomIn();
     EXPECT_EQ(gi.viewers[0]->getZoomFactor(), 9) << "a data pixel fills the window";
     for (int i = 0; i < 20; ++i) gi.zoomOut();
+    // 9, 6, 4, 3, 2, 1, and then halves until 6 voxels are one pixel.
+    EXPECT_EQ(gi.viewers[0]->getZoomFactor(), 0.125f);
     EXPECT_LT(editor.buffer(2).zoomedSize.x, 2);
-    EXPECT_GT(gi.viewers[0]->getZoomFactor(), 0.1f);
+    gi.zoomOut();
+    EXPECT_EQ(gi.viewers[0]->getZoomFactor(), 0.125f);
+}
+
+TEST(ThinSlice, zoomingInEndsAtTheLargestFactor)
+{
+    DrawnEditor editor(6, 5, 1);
+    editor.gi.setVolumeByte(editor.dims, 6, editor.labels(), editor.lattice());
+    editor.setVoxelSize(1, 1, 0);
+    editor.gi.activate(0);
+    for (int i = 0; i < 60; ++i) editor.gi.zoomIn();
+    EXPECT_EQ(editor.viewer(0).getZoomFactor(), 1024);
+    EXPECT_EQ(editor.buffer(0).zoomedSize.y, 1);
 }
 
 TEST_F(SliceViewer, redrawsTheProjectionOfAChangeInEachViewer)
@@ -212,6 +304,13 @@ TEST_F(SliceViewer, redrawsTheProjectionOfAChangeInEachViewer)
     EXPECT_TRUE(shapes[0]->boxes.empty());
     EXPECT_THAT(shapes[1]->boxes, ElementsAre(McBox2i(3, 9, 11, 11)));
     EXPECT_THAT(shapes[2]->boxes, ElementsAre(McBox2i(3, 6, 11, 14))) << "rows beyond the slice end with it";
+    editor.gi.activate(2);
+    gi.redraw(McBox2i(1, 2, 3, 9), nullptr);
+    EXPECT_TRUE(shapes[0]->boxes.empty());
+    EXPECT_EQ(shapes[1]->boxes.size(), 2u) << "without a source the current viewer is meant";
+    EXPECT_EQ(shapes[2]->boxes.size(), 2u);
+    TestGi empty(0);
+    empty.Gi::redraw(McBox2i(1, 2, 3, 9), nullptr);
 }
 
 TEST_F(SliceViewer, subtractingRepaintsAPixelBeyondTheSelection)
