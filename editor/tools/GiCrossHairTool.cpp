@@ -15,11 +15,6 @@ namespace {
 constexpr int kReach = 3; // screen pixels on either side of a line that still take it
 constexpr int kVertical = 1, kHorizontal = 2;
 
-// Volume axes of a viewer's width, height and depth, by orientation.
-constexpr int kWidthAxis[3] = {1, 0, 0};
-constexpr int kHeightAxis[3] = {2, 2, 1};
-constexpr int kDepthAxis[3] = {0, 1, 2};
-
 // Colours of the lines across the axes: a line keeps one axis fixed, and each axis keeps its colour in all
 // viewers.
 constexpr unsigned char kAxisColor[3][3] = {{0, 0, 255}, {0, 255, 0}, {255, 0, 0}};
@@ -33,6 +28,19 @@ void setColor(GiFrameBuffer& frameBuffer, int axis)
 {
     frameBuffer.setColor(kAxisColor[axis][0], kAxisColor[axis][1], kAxisColor[axis][2]);
 }
+
+/// Sets the flag while it lives, also when a viewer has no memory for its picture.
+class Adjusting
+{
+public:
+    explicit Adjusting(int& busyFlag) : flag(busyFlag) { flag = 1; }
+    ~Adjusting() { flag = 0; }
+    Adjusting(const Adjusting&) = delete;
+    Adjusting& operator=(const Adjusting&) = delete;
+
+private:
+    int& flag;
+};
 
 } // namespace
 
@@ -50,7 +58,7 @@ void GiCrossHairTool::valueChanged()
 McVec2i GiCrossHairTool::lines(const GiFrameBuffer& frameBuffer) const
 {
     const int o = orientationOf(frameBuffer);
-    return frameBuffer.pixelCentre(position[kWidthAxis[o]], position[kHeightAxis[o]]);
+    return frameBuffer.pixelCentre(position[giWidthAxis(o)], position[giHeightAxis(o)]);
 }
 
 void GiCrossHairTool::render(GiFrameBuffer* frameBuffer, const McBox2i&)
@@ -58,9 +66,9 @@ void GiCrossHairTool::render(GiFrameBuffer* frameBuffer, const McBox2i&)
     if (!visible) return;
     const McVec2i at = lines(*frameBuffer);
     const int o = orientationOf(*frameBuffer);
-    setColor(*frameBuffer, kWidthAxis[o]);
+    setColor(*frameBuffer, giWidthAxis(o));
     frameBuffer->writeColumn(at.x, 0, frameBuffer->zoomedSize.y - 1);
-    setColor(*frameBuffer, kHeightAxis[o]);
+    setColor(*frameBuffer, giHeightAxis(o));
     frameBuffer->writeRow(0, frameBuffer->zoomedSize.x - 1, at.y);
 }
 
@@ -92,9 +100,9 @@ int GiCrossHairTool::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
 void GiCrossHairTool::dragTo(GiFrameBuffer& frameBuffer, int x, int y)
 {
     const int o = orientationOf(frameBuffer);
-    if (dragAxes & kVertical) position[kWidthAxis[o]] = frameBuffer.dataColumn(x);
-    if (dragAxes & kHorizontal) position[kHeightAxis[o]] = frameBuffer.dataRow(y);
-    if (frameBuffer.viewer) position[kDepthAxis[o]] = frameBuffer.viewer->getSlice();
+    if (dragAxes & kVertical) position[giWidthAxis(o)] = frameBuffer.dataColumn(x);
+    if (dragAxes & kHorizontal) position[giHeightAxis(o)] = frameBuffer.dataRow(y);
+    if (frameBuffer.viewer) position[o] = frameBuffer.viewer->getSlice();
 }
 
 int GiCrossHairTool::grab(GiFrameBuffer& frameBuffer, int x, int y)
@@ -114,7 +122,7 @@ int GiCrossHairTool::grab(GiFrameBuffer& frameBuffer, int x, int y)
 void Gi::sliceNumberChanged(GiViewer* viewer)
 {
     if (sliceSyncBusy) return;
-    sliceSyncBusy = 1;
+    const Adjusting adjusting(sliceSyncBusy);
     McVec3i p = crossHair->getPosition();
     const int axis = viewer->getOrientation();
     if (axis >= 0 && axis <= 2 && p[axis] != viewer->getSlice()) {
@@ -123,13 +131,12 @@ void Gi::sliceNumberChanged(GiViewer* viewer)
         for (int i = 0; i < viewers.size(); ++i)
             if (viewers[i] != viewer) viewers[i]->redraw();
     }
-    sliceSyncBusy = 0;
 }
 
 void Gi::crossHairCB(GiCrossHairTool* tool)
 {
     if (viewers.size() == 1) return;
-    sliceSyncBusy = 1;
+    const Adjusting adjusting(sliceSyncBusy);
     for (int i = 0; i < viewers.size(); ++i) {
         const int axis = viewers[i]->getOrientation();
         const int p = axis >= 0 && axis <= 2 ? tool->getPosition()[axis] : viewers[i]->getSlice();
@@ -138,5 +145,4 @@ void Gi::crossHairCB(GiCrossHairTool* tool)
         else
             viewers[i]->setSlice(p, true);
     }
-    sliceSyncBusy = 0;
 }

@@ -10,12 +10,10 @@
 
 namespace {
 
-constexpr int kPanToolIndex = 6;
-
 GiPanTool* panToolOf(const Gi* gi)
 {
-    if (!gi || gi->tools.size() <= kPanToolIndex) return nullptr;
-    return dynamic_cast<GiPanTool*>(gi->tools[kPanToolIndex]);
+    if (!gi || gi->tools.size() <= GiPanTool::kIndex) return nullptr;
+    return dynamic_cast<GiPanTool*>(gi->tools[GiPanTool::kIndex]);
 }
 
 bool isForCrossHair(const McEvent& event)

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kOwnIndex = 6; // in Gi's list of tools
-
 /// The pointer on the desktop, mirrored as the buffer is. Scrolling moves the slice under the pointer, so
 /// positions in the buffer would answer to the scrolling itself.
 McVec2i hand(const GiFrameBuffer& frameBuffer)
@@ -32,7 +30,7 @@ public:
     bool supportsViewer(HxViewerBase* viewer) override { return dynamic_cast<GiViewer*>(viewer) != nullptr; }
     void onActivate(HxViewerBase*) override
     {
-        if (tool) tool->gi->setTool(kOwnIndex);
+        if (tool) tool->gi->setTool(kIndex);
     }
 
     GiPanTool* tool; // null once it is gone: a viewer may keep the wrapper longer

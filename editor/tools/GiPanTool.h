@@ -10,6 +10,8 @@ class HxViewerModalTool;
 class GiPanTool : public GiTool
 {
 public:
+    static constexpr int kIndex = 6; // in Gi's list of tools
+
     explicit GiPanTool(Gi* owner);
     ~GiPanTool() override;
 

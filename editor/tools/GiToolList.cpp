@@ -12,14 +12,13 @@
 namespace {
 
 constexpr int kNumTools = 7; // pick region, brush, lasso, magic wand, threshold, blow tool, pan
-constexpr int kPanToolIndex = 6;
 
 } // namespace
 
 void Gi::createTools()
 {
     for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
-    panTool = tools[kPanToolIndex] = new GiPanTool(this);
+    panTool = tools[GiPanTool::kIndex] = new GiPanTool(this);
     panTool->ref();
     crossHair = new GiCrossHairTool;
     crossHair->ref();

@@ -1,6 +1,7 @@
 #include "editor/display/DrawnEditor.h"
 #include "editor/tools/ViewerEvents.h"
 
+#include "mc/McMemoryException.h"
 #include "tools/GiCrossHair.h"
 #include "tools/GiCrossHairTool.h"
 
@@ -116,6 +117,33 @@ TEST_F(CrossHairTool, theCursorTellsWhatWouldBeDragged)
     tool().handleEvent(&buffer, &at);
     EXPECT_EQ(buffer.shape, Qt::SizeAllCursor);
     editor.viewer(2).setFrameBuffer(nullptr);
+}
+
+TEST_F(CrossHairTool, viewersFollowAgainAfterOneFoundNoMemory)
+{
+    class PoorBuffer : public GiMemoryFrameBuffer
+    {
+    public:
+        void resize(const McVec2i& size, const int* columns, const int* rows) override
+        {
+            if (refuses) throw McMemoryException(1);
+            GiMemoryFrameBuffer::resize(size, columns, rows);
+        }
+        void paste() override
+        {
+            if (refuses) throw McMemoryException(1);
+        }
+        bool refuses = true;
+    };
+    PoorBuffer buffer;
+    editor.viewer(0).setFrameBuffer(&buffer);
+    tool().setPosition(McVec3i(7, 4, 3));
+    EXPECT_THROW(tool().valueChanged(), McMemoryException);
+    EXPECT_THROW(editor.viewer(2).setSlice(5, true), McMemoryException);
+    buffer.refuses = false;
+    editor.viewer(1).setSlice(6, true);
+    EXPECT_EQ(tool().getPosition(), McVec3i(7, 6, 5));
+    editor.viewer(0).setFrameBuffer(nullptr);
 }
 
 TEST(CrossHair, isDrawnAtTheFirstScreenPixel)
