@@ -12,6 +12,7 @@
 #include "hx/HxObjectPool.h"
 #include "hx/HxParamBundle.h"
 #include "hx/HxRegScalarField3.h"
+#include "hx/HxSettingsMgr.h"
 #include "mc/McHistogram.h"
 #include "mc/McInterface.h"
 #include "tools/GiCrossHairTool.h"
@@ -21,6 +22,7 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -59,6 +61,7 @@ GiQ::GiQ(HxGiEditor* owner) : editor(owner)
     createViewers();
     readSelectionDrawStyle();
     connect(HxObjectPool::getThePool(), &HxObjectPool::objectRemoved, this, &GiQ::slotObjectRemoved);
+    connect(HxSettingsMgr::getInstance(), &HxSettingsMgr::preferencesChanged, this, &GiQ::preferencesChanged);
 }
 
 GiQ::~GiQ()
@@ -258,6 +261,15 @@ void GiQ::slotDataTouched(unsigned int)
     disconnectData();
     labelData = nullptr; // the pair must not pass for the one that is bound already
     editor->startEditing(labels);
+}
+
+void GiQ::preferencesChanged(const HxPreferences& old, const HxPreferences& now)
+{
+    const auto look = [](const HxPreferences& p) {
+        return std::tie(p.selectionDrawStyle, p.selectionAlpha, p.selectionStyle3D);
+    };
+    // A weight that a script chose stays until the user wants another look.
+    if (look(old) != look(now)) readSelectionDrawStyle();
 }
 
 void GiQ::slotObjectRemoved(HxObject* object)

@@ -7,6 +7,7 @@
 
 class HxGiEditor;
 class HxObject;
+struct HxPreferences;
 
 /// The editor's controller: what the core announces reaches the outside through it, and what it
 /// needs of the outside it asks here. It makes the three slice viewers and binds data objects.
@@ -50,6 +51,8 @@ public slots:
     void slotDataTouched(unsigned int mask);
     /// A data object leaves the pool.
     void slotObjectRemoved(HxObject* object);
+    /// Takes over how selections are drawn, if that was changed.
+    void preferencesChanged(const HxPreferences& old, const HxPreferences& now);
 
 signals:
     void selectionChanged();

@@ -141,6 +141,7 @@ int setMaxAlpha(const Call& call)
 {
     if (call.count != 3) return call.wrongCount();
     const GiViewer* viewer = call.gi.getCurrentViewer();
+    // Any number is stored; a blend limits it to 0 to 255.
     if (viewer && viewer->getFrameBuffer()) viewer->getFrameBuffer()->selectionAlpha = call.number(2);
     call.gi.redraw();
     return TCL_OK;

@@ -104,6 +104,30 @@ TEST_F(ViewCommands, setMaxAlphaWeighsTheSelectionOfTheCurrentViewer)
     gi()->readSelectionDrawStyle();
 }
 
+TEST_F(ViewCommands, aChangedPreferenceIsSeenAtOnce)
+{
+    HxSettingsMgr& settings = *HxSettingsMgr::getInstance();
+    const HxPreferences former = settings.getPreferences();
+    eval("view 2 slice 0");
+    eval("gi toggleVoxel 0 0 0");
+    gi()->updateSelectionBoxes();
+    HxPreferences changed = former;
+    changed.selectionDrawStyle = 0;
+    changed.selectionAlpha = 255;
+    settings.setPreferences(changed, true);
+    EXPECT_EQ(gi()->selectionDrawStyle, 0);
+    EXPECT_EQ(qRed(picture(2).pixel(0, 0)), 254);
+
+    eval("gi setMaxAlpha 0");
+    changed.anatomicalNames = !changed.anatomicalNames;
+    settings.setPreferences(changed, true);
+    EXPECT_EQ(qRed(picture(2).pixel(0, 0)), 0) << "a preference of another kind leaves the weight alone";
+    changed.selectionStyle3D = "Solid";
+    settings.setPreferences(changed, true);
+    EXPECT_EQ(qRed(picture(2).pixel(0, 0)), 254);
+    settings.setPreferences(former, true);
+}
+
 TEST_F(ViewCommands, aRemovedImageLeavesNoPicture)
 {
     HxObjectPool::getThePool()->removeObject(labels);
