@@ -129,7 +129,7 @@ TEST_F(HxSettingsTest, AFileOfSomethingElseIsLeftAlone)
     {
         const char* name;
         QByteArray content;
-    } cases[] = {{"scan.nrrd", QByteArray("NRRD0004\ntype: uchar\ndimension: 3\n\n\0\1\2\xff", 42)},
+    } cases[] = {{"scan.nrrd", QByteArray("NRRD0004\ntype: uchar\ndimension: 3\n\n\0\1\2\xff", 39)},
                  {"other.ini", "[desktop]\ncolor=7\n"},
                  {"noGroup.ini", "selectionAlpha=7\n"}};
     for (const auto& c : cases) {
