@@ -53,9 +53,15 @@ for folder in "${!may[@]}"; do
   check "$folder" "${may[$folder]}" "$everyHostLayer main core display tools filters plugins"
 done
 for folder in "${!mayEditor[@]}"; do
-  # The host's folders that share a name with one of the editor's cannot be reached from the editor.
+  # "app" is a folder of both houses: the editor's own windows may use the host's.
   check "$folder" "${mayEditor[$folder]} mc hx io num qx view3d" "$everyHostLayer main core display tools filters plugins"
 done
+
+# What the host includes by folder must be a file of the host: the search path would also find the editor's.
+while IFS=: read -r file line; do
+  target=$(sed -E 's/.*#include "([^"]+)".*/\1/' <<<"$line")
+  [ -e "host/$target" ] || complain "$file includes $target, which is not the host's"
+done < <(grep -rHE '^#include "[A-Za-z0-9]+/' host --include='*.h' --include='*.cpp')
 
 # The core is plain C++: no Qt, and nothing that draws.
 for folder in host/mc editor/core; do
@@ -64,7 +70,7 @@ for folder in host/mc editor/core; do
 done
 for folder in host/mc host/hx host/io host/num editor/core editor/display; do
   while IFS= read -r line; do complain "$line: $folder has no widgets"; done \
-    < <(grep -rnE '#include <Q(Widget|Application|MainWindow|Dialog|PushButton|Menu)>' "$folder" \
+    < <(grep -rnE '#include <Q(Widget|Application|MainWindow|Dialog|PushButton|CheckBox|Label|Menu)>' "$folder" \
           --include='*.h' --include='*.cpp' || true)
 done
 
