@@ -17,6 +17,7 @@ public:
 
     int handleEvent(GiFrameBuffer* frameBuffer, McEvent* event) override;
     bool isDragging() const override { return dragBuffer != nullptr; }
+    QWidget* getWidget(QWidget*) override { return nullptr; }
     const char* getIconName() const override { return "SegPanIcon.png"; }
     HxViewerModalTool* wrapper() override { return viewerTool; }
 

@@ -3,6 +3,8 @@
 #include "display/GiShape.h"
 
 #include <QCursor>
+#include <QPointer>
+#include <QWidget>
 
 #include <optional>
 
@@ -11,12 +13,17 @@ class GiSelection2D;
 class HxViewerModalTool;
 
 /// An interactive tool: turns events in a slice viewer into changes of the selection. The active
-/// tool is a shape in every viewer's frame buffer; it works on Gi alone, so it runs without a panel.
+/// tool is a shape in every viewer's frame buffer; it works on Gi alone, so it runs without a panel: a
+/// setting whose widget is not there has its default.
 class GiTool : public GiShape
 {
 public:
     explicit GiTool(Gi* owner) : gi(owner) {}
+    ~GiTool() override;
 
+    /// The panel with the tool's settings, made on the first call; null for a tool without settings, which
+    /// gets no page and no button. It belongs to `parent`, or to the tool if that is null.
+    virtual QWidget* getWidget(QWidget* parent);
     /// File name of the toolbar icon.
     virtual const char* getIconName() const = 0;
     /// A new data set was attached.
@@ -33,6 +40,8 @@ public:
     virtual HxViewerModalTool* wrapper() { return nullptr; }
     /// The user moved the tool data window.
     virtual void dataWindowChanged(float /*min*/, float /*max*/) {}
+    /// Fills the panel, which is empty and has no layout yet.
+    virtual void createWidget(QWidget* /*parent*/) {}
     /// A tool whose marks belong to other materials takes them out of a slice transfer here.
     virtual bool guardsSeeds() const { return false; }
     virtual void lockInactiveSeeds(GiSelection2D&) {}
@@ -47,6 +56,7 @@ protected:
     virtual QCursor makeCursor() const;
 
     Gi* gi;
+    QPointer<QWidget> widget; // the panel; null again when its parent has deleted it
 
 private:
     mutable std::optional<QCursor> cursor;
