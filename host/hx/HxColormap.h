@@ -2,6 +2,8 @@
 
 #include "hx/HxData.h"
 
+#include <QPixmap>
+
 #include <vector>
 
 /// A colour table over the values from 0 to 1, linear between its entries or in steps.
@@ -26,6 +28,16 @@ public:
     /// Colour as packed RGBA, red in the top byte. 0 to 1 runs over the table; below and above are
     /// the colours of underflow and overflow. NaN counts as below.
     virtual unsigned int packedColor(float u) const;
+
+    /// A picture of the ramp, left to right; sharp on screens of more than one device pixel per unit.
+    ///
+    /// width, height  in device-independent pixels
+    /// frame          strength of the line around it, from 0 (none) to 4 (solid)
+    /// min, max       part of the table that is drawn; the same number twice: the whole table
+    QPixmap getPixmap(int width, int height, int frame = 0, float min = 0, float max = 0) const;
+    /// The same of any map; null: the grey ramp.
+    static QPixmap getPixmap(const HxColormap* map, int width, int height, int frame = 0, float min = 0,
+                             float max = 0);
 
     int numEntries() const { return static_cast<int>(table.size()); }
     Color entry(int i) const { return table[i]; }

@@ -6,6 +6,8 @@
 #include <vector>
 
 class HxObject;
+class QCursor;
+class QIcon;
 class HxSubApplication;
 class McException;
 
@@ -40,6 +42,15 @@ public:
     /// Reports an exception of the host: 0 in a modal error dialog; 1 on the console only, for event
     /// handlers, where a dialog would re-enter.
     static void handleException(const McException& exception, int consoleOnly = 0);
+
+    /// An icon from the folders of the packages, or from the resource folders. A file beside it with "@2x"
+    /// before its suffix serves screens of higher density. A missing file gives an empty icon, and one
+    /// message on the console however often it is asked for. Empty, too, without a GUI application.
+    static QIcon readIcon(const char* file);
+
+    /// A cursor likewise; the hot spot is in pixels of the file. `mask` names a file whose white parts are
+    /// transparent, null: the file's own transparency. A missing file gives the arrow.
+    static QCursor readCursor(const char* file, const char* mask, int hotX, int hotY);
 
     /// The name under which other processes of this machine reach this one.
     static const char* localHost() { return "127.0.0.1"; }

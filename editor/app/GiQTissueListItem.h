@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QObject>
+
+class GiQTissueList;
+class QCheckBox;
+class QFrame;
+class QTableWidgetItem;
+class QxToolButton;
+
+/// The widgets of one row of the material list. It keeps no row number: rows move when one above is deleted.
+class GiQTissueListItem : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Fills row `row` of the list, which must exist and be empty.
+    GiQTissueListItem(GiQTissueList* owner, int row);
+
+    int row() const;
+    QColor getColor() const { return color; }
+    QString getName() const;
+    bool isColor3DButtonChecked() const;
+
+    /// Shows the name; the list is not told of an edit.
+    void setName(const QString& name);
+    void setColor(const QColor& newColor);
+    void setLock(bool on);
+    /// Show a state of the 3D view; it is not told.
+    void setShow3D(bool on);
+    void setColor3D(bool on);
+
+public slots:
+    /// 0 hides the material in the slice viewers and remembers its present style.
+    void setDrawStyle2D(unsigned int style);
+    /// Hides the material, or brings its last visible style back.
+    void setShow2D(bool on);
+    /// Makes the row current and marks its voxels: added to the selection with Shift, taken out of it with
+    /// Control, alone without.
+    void selectMaterial();
+
+private:
+    static const QIcon& lockIcon(bool locked);
+    QCheckBox* makeBox(const char* objectName, const QString& toolTip);
+    QWidget* centred(QWidget* widget);
+
+    GiQTissueList* list;
+    QFrame* colorFrame;
+    QTableWidgetItem* nameItem;
+    QTableWidgetItem* lockItem;
+    QxToolButton* selectButton;
+    QCheckBox* box2D;
+    QCheckBox* box3D;
+    QCheckBox* boxColor;
+    QColor color;
+};

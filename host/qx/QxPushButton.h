@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QPushButton>
+
+/// A push button that remembers which modifier keys were held when it was last pressed: by the time that
+/// clicked() arrives they may be up again.
+class QxPushButton : public QPushButton
+{
+    Q_OBJECT
+
+public:
+    explicit QxPushButton(QWidget* parent = nullptr) : QPushButton(parent) {}
+    explicit QxPushButton(const QString& text, QWidget* parent = nullptr) : QPushButton(text, parent) {}
+
+    /// None before the first press, and after a press by the keyboard or by click().
+    Qt::KeyboardModifiers modifiers() const { return pressModifiers; }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    Qt::KeyboardModifiers pressModifiers;
+};
