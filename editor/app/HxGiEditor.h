@@ -5,14 +5,23 @@
 
 #include <memory>
 
+class GiFrameBuffer;
 class GiQ;
+class GiQToolbox;
+class GiViewer;
 class HxLattice;
 class HxLattice3;
 class HxLatticeAccess;
 class HxParamBundle;
+class McEvent;
+class McHistogram;
+class McKeyboardEvent;
+class QMenuBar;
+class QWidget;
 
 /// The editor as the host knows it: it is attached to a label field, binds it with an image to the
-/// controller, and is the target of the script commands under the label "gi".
+/// controller, and is the target of the script commands under the label "gi". It also holds the keys and
+/// the pointer's answers that belong to no tool.
 ///
 /// While sub-applications exist, the editor that the host makes is a stub without a controller; it
 /// hands everything to the sub-application's own editor.
@@ -22,16 +31,12 @@ public:
     /// Spans of the volume flood fill keep their ends in 16 bits, so no side may be larger.
     static constexpr unsigned long kLargestSide = 32767;
 
-    /// Which of the two an editor is.
-    enum Form
-    {
-        kStub,
-        kOwnEditor
-    };
-
-    /// As the host makes it: a stub if there are sub-applications.
+    /// As the host makes it: in the host's windows, or a stub if there are sub-applications.
     HxGiEditor();
-    explicit HxGiEditor(Form form);
+    /// Inside a foreign window; the menus go into `bar`, which may be null.
+    HxGiEditor(QWidget* parent, QMenuBar* bar);
+    /// The sub-application's own; gives back the two widgets that it shows.
+    HxGiEditor(QWidget*& toolboxOut, QWidget*& viewerOut);
 
     static void initClass();
     static McTypeId getClassTypeId();
@@ -47,7 +52,13 @@ public:
     /// the pool that fits, or the labels themselves. Nothing happens if the pair is bound already.
     void startEditing(HxData* labels, HxData* image);
 
+    /// The sub-application is about to be left: the material list ends what is being typed.
+    void notifyStop();
+
     HxData* getLabelData() const;
+    /// Show the window before any data is there.
+    void preInit(float min, float max, const McHistogram& histogram);
+    void preInitShowOnly();
     void setRescaleInterceptSlope(const HxParamBundle& bundle);
     /// Whether voxels of this host type can be shown and masked.
     static bool isImageType(int hostType);
@@ -58,15 +69,27 @@ public:
     /// Null in a stub.
     GiQ* getGi() const { return gi.get(); }
 
+    /// What every frame buffer delivers each event to, before its shapes. Always 0: the shapes see it, too.
+    int handleEvent(GiFrameBuffer* frameBuffer, McEvent* event);
+    static int handleEventCB(GiFrameBuffer* frameBuffer, McEvent* event, void* editor);
+
 private:
     struct Pair;
+    friend struct GiEditorKeys;
 
+    void init();
     bool isBound(HxData* labels, HxData* image) const;
     void repairMaterials(HxParamBundle& materials, int maxLabel);
     void findImage(Pair& pair);
     void bind(const Pair& pair);
     void releaseAccess();
 
+    void activateViewer(GiFrameBuffer& frameBuffer);
+    void showInfo(GiFrameBuffer& frameBuffer, const McEvent& event);
+    void handleKey(McKeyboardEvent& event);
+
     std::unique_ptr<GiQ> gi;
+    GiQToolbox* toolbox = nullptr;     // the controller's
     HxLatticeAccess* access = nullptr; // keeps the image memory in place while it is edited over
+    bool preInitialised = false;       // a window without data is shown
 };
