@@ -123,7 +123,15 @@ bool HxData::save(const char* path, McString& error)
 {
     if (!writeFile(path, error)) return false;
     setFilename(path);
+    setModified(false);
     return true;
+}
+
+void HxData::setModified(bool on)
+{
+    if (modified == on) return;
+    modified = on;
+    emit modifiedChanged(on);
 }
 
 bool HxData::writeFile(const char* path, McString& error)
@@ -134,6 +142,7 @@ bool HxData::writeFile(const char* path, McString& error)
 void HxData::touch(unsigned int mask)
 {
     HxObject::touch(mask);
+    setModified(true);
     emit dataObjectTouched(mask);
 }
 

@@ -28,6 +28,11 @@ public:
     /// returns false with one sentence in `error` that names the file; nothing is changed then
     bool save(const char* path, McString& error);
 
+    /// Whether values, shape or parameters have changed since the object was read or saved. A new object
+    /// counts as unchanged: there is nothing in it that somebody worked on.
+    bool isModified() const { return modified; }
+    void setModified(bool on);
+
     /// Link to the module that this object is a result of.
     HxMasterConnection& masterConnection() { return master; }
 
@@ -39,6 +44,8 @@ public:
 signals:
     /// Bits as in HxObject.
     void dataObjectTouched(unsigned int mask);
+    /// Emitted when isModified() has another answer.
+    void modifiedChanged(bool modified);
 
 protected:
     /// Writes the file; the base takes the writer of HxFileAccess.
@@ -47,4 +54,5 @@ protected:
 private:
     HxMasterConnection master{this};
     McString filename;
+    bool modified = false;
 };

@@ -38,6 +38,8 @@ void HxField3::touchMinMax(float min, float max, int flag)
     // kept: no dataObjectTouched. Whoever edits the labels calls this once per stroke, and a
     // listener that binds its data anew on each touch would end the editing.
     HxObject::touch(kValuesChanged);
+    // A range that somebody has just set comes with new values, one that went stale with edited ones.
+    if (!rangeIsKnown) setModified(true);
 }
 
 void HxField3::touch(unsigned int mask)

@@ -19,7 +19,8 @@ public:
     void getRange(double& min, double& max);
 
     /// flag 1: the given range holds. flag 0: the range is stale and recomputed when asked for.
-    /// Bumps the touch number; costs nothing and emits nothing.
+    /// Bumps the touch number, and with flag 0 marks the field as modified; costs nothing and does not emit
+    /// dataObjectTouched.
     virtual void touchMinMax(float min, float max, int flag);
 
     /// A change of values or memory makes the range stale.

@@ -82,6 +82,7 @@ HxData* HxFileAccess::load(const McDArray<McString>& paths, bool asLabels, McStr
     if (!data) return nullptr;
     if (!data->hasFile()) data->setFilename(first);
     if (!*data->getLabel()) data->setLabel(baseName(first));
+    data->setModified(false);
     return data;
 }
 

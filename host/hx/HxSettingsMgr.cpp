@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kPreferencesGroup = "preferences";
 constexpr const char* kGeometryGroup = "geometry";
+constexpr const char* kTextsGroup = "texts";
 
 /// Whether the file exists with a content that a write would destroy: a mistyped name can be that of data.
 bool holdsSomethingElse(const QSettings& store)
@@ -63,6 +64,18 @@ void HxSettingsMgr::setGeometry(const char* key, const QRect& rect)
     changed = true;
 }
 
+QStringList HxSettingsMgr::getTexts(const char* key) const
+{
+    const auto found = textLists.find(key);
+    return found == textLists.end() ? QStringList() : found->second;
+}
+
+void HxSettingsMgr::setTexts(const char* key, const QStringList& texts)
+{
+    textLists[key] = texts;
+    changed = true;
+}
+
 bool HxSettingsMgr::write()
 {
     if (storePath.isEmpty() || !changed) return true;
@@ -78,6 +91,9 @@ bool HxSettingsMgr::write()
     store.endGroup();
     store.beginGroup(kGeometryGroup);
     for (const auto& [key, rect] : geometries) store.setValue(QString::fromStdString(key), rect);
+    store.endGroup();
+    store.beginGroup(kTextsGroup);
+    for (const auto& [key, texts] : textLists) store.setValue(QString::fromStdString(key), texts);
     store.endGroup();
     store.sync();
 
@@ -109,6 +125,7 @@ bool HxSettingsMgr::read()
 {
     preferences = HxPreferences();
     geometries.clear();
+    textLists.clear();
     changed = false;
     const bool usable = storePath.isEmpty() || readStore();
     // The parallel loops of the layer below know no settings; they are told.
@@ -139,6 +156,10 @@ bool HxSettingsMgr::readStore()
     store.endGroup();
     store.beginGroup(kGeometryGroup);
     for (const QString& key : store.childKeys()) geometries[key.toStdString()] = store.value(key).toRect();
+    store.endGroup();
+    store.beginGroup(kTextsGroup);
+    for (const QString& key : store.childKeys())
+        textLists[key.toStdString()] = store.value(key).toStringList();
     store.endGroup();
     return true;
 }

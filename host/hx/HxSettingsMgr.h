@@ -5,11 +5,13 @@
 #include <QObject>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 
 #include <map>
 #include <string>
 
-/// Keeps the preferences and the window geometries, and stores them between sessions.
+/// Keeps the preferences, the window geometries and what else a session leaves to the next, and stores them
+/// between sessions.
 ///
 /// There are three stores: the user's own, a named file, and memory, which is lost. What the memory shows is
 /// always complete; a store is read when it is chosen and written by setPreferences with true, and by write.
@@ -33,6 +35,10 @@ public:
     /// The rectangle stored under a key, an invalid one for an unknown key.
     QRect getGeometry(const char* key) const;
     void setGeometry(const char* key, const QRect& rect);
+
+    /// Texts stored under a key, none for an unknown key; recently used files, say.
+    QStringList getTexts(const char* key) const;
+    void setTexts(const char* key, const QStringList& texts);
 
     /// Writes what has changed since the last write. Returns false, with a console message, when the store
     /// cannot be written. The memory store has nothing to write.
@@ -60,6 +66,7 @@ private:
 
     HxPreferences preferences;
     std::map<std::string, QRect> geometries;
+    std::map<std::string, QStringList> textLists;
     QString storePath; // empty: memory only
     bool changed = false;
 };
