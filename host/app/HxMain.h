@@ -2,8 +2,6 @@
 
 #include <QMainWindow>
 
-#include <vector>
-
 class HxConsole;
 class HxData;
 class HxMainWorkArea;
@@ -49,6 +47,9 @@ public:
 
     /// Asks for the file first.
     bool saveDataAs(HxData* data);
+
+    /// That of the normal window.
+    QxViewerPanel* viewerPanel() const { return panel; }
 
     HxConsole* console() const { return consoleView; }
     HxWorkspace* workspace() const { return objects; }

@@ -10,7 +10,6 @@
 
 class QAction;
 class QActionGroup;
-class QFrame;
 class QGridLayout;
 class QLabel;
 class QToolBar;
@@ -62,6 +61,8 @@ signals:
 private:
     static constexpr int kNumPlaces = 4;
 
+    class Place;
+
     struct ToolButton
     {
         HxViewerTool* tool;
@@ -73,19 +74,18 @@ private:
     void makeLayoutChoice();
     void makeGrid();
     void relayout();
-    void placeViewers();
+    void assignPlaces();
     void arrangeGrid();
-    void put(int place, HxViewerBase* viewer);
-    void followWidget(QWidget* widget);
-    void widgetGone();
+    void fill(int place, HxViewerBase* viewer);
+    void watch(QWidget* widget);
+    bool isRegistered(const HxViewerBase* viewer) const;
     void updateTools();
     void updateFrames();
 
     int layout = 1;
     bool relayoutHeld = false;
-    bool relayoutIsDue = false;                      // a widget has died
-    std::array<HxViewerBase*, kNumPlaces> placed{};  // null: blank
-    std::array<QFrame*, kNumPlaces> places{};        // each holds one widget
+    std::array<HxViewerBase*, kNumPlaces> placed{};  // null: blank; valid until a widget has died
+    std::array<Place*, kNumPlaces> places{};         // each holds one widget
     std::array<QPointer<QWidget>, kNumPlaces> shown; // the widget in each place
     QGridLayout* grid = nullptr;
     QLabel* hint = nullptr;
