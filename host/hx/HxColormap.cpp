@@ -3,6 +3,10 @@
 #include "hx/HxColormapFile.h"
 #include "hx/HxStandardColormaps.h"
 
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -24,6 +28,21 @@ unsigned int packed(const HxColormap::Color& c)
 float mixed(float a, float b, float t)
 {
     return a + t * (b - a);
+}
+
+/// The ramp of a map, or of greys, as one row of device pixels.
+QImage rampRow(const HxColormap* map, int pixels, float from, float to)
+{
+    QImage row(pixels, 1, QImage::Format_ARGB32);
+    auto* colors = reinterpret_cast<QRgb*>(row.scanLine(0));
+    for (int x = 0; x < pixels; ++x) {
+        const float u =
+            mixed(from, to, pixels > 1 ? static_cast<float>(x) / static_cast<float>(pixels - 1) : 0);
+        const unsigned int grey = byteOf(u);
+        const unsigned int rgba = map ? map->packedColor(u) : grey << 24 | grey << 16 | grey << 8 | 255;
+        colors[x] = qRgba(rgba >> 24, rgba >> 16 & 255, rgba >> 8 & 255, rgba & 255);
+    }
+    return row;
 }
 
 int runColor(HxColormap& map, const HxScriptCall& call)
@@ -103,6 +122,34 @@ unsigned int HxColormap::packedColor(float u) const
     const Color& b = table[std::min(i + 1, last)];
     const float t = place - static_cast<float>(i);
     return packed({mixed(a.r, b.r, t), mixed(a.g, b.g, t), mixed(a.b, b.b, t), mixed(a.a, b.a, t)});
+}
+
+QPixmap HxColormap::getPixmap(const HxColormap* map, int width, int height, int frame, float min, float max)
+{
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()) || width < 1 || height < 1) return {};
+    if (min == max) {
+        min = 0;
+        max = 1;
+    }
+    const qreal density = qGuiApp->devicePixelRatio();
+    QPixmap picture(QSize(qRound(width * density), qRound(height * density)));
+    // The grey below shows how see-through the colours are.
+    picture.fill(Qt::lightGray);
+
+    QPainter painter(&picture);
+    painter.drawImage(picture.rect(), rampRow(map, picture.width(), min, max));
+    if (frame > 0) {
+        painter.setPen(QColor(0, 0, 0, std::min(frame, 4) * 255 / 4));
+        painter.drawRect(picture.rect().adjusted(0, 0, -1, -1));
+    }
+    painter.end();
+    picture.setDevicePixelRatio(density);
+    return picture;
+}
+
+QPixmap HxColormap::getPixmap(int width, int height, int frame, float min, float max) const
+{
+    return getPixmap(this, width, height, frame, min, max);
 }
 
 void HxColormap::setTable(const std::vector<Color>& colors, bool interpolate)

@@ -7,6 +7,16 @@
 #include "hx/HxSubApplication.h"
 #include "mc/McException.h"
 
+#include <QBitmap>
+#include <QCursor>
+#include <QDir>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QPixmap>
+
+#include <set>
+
 namespace {
 
 /// Makes sure that the class is registered; a package that cannot be loaded is reported.
@@ -17,6 +27,27 @@ bool provideClass(const char* className)
     if (!HxPackage::loadForClass(className, error) && !error.empty())
         HxMessage::getTheMsg()->printf("%s", error.c_str());
     return HxClassRegistry::contains(className);
+}
+
+/// Path of a picture in a package's folder, else in a resource folder; empty, with a message at the first
+/// request, where there is none.
+QString picturePath(const char* file)
+{
+    const std::string ofPackage = HxPackage::findResource(file);
+    if (!ofPackage.empty()) return QString::fromStdString(ofPackage);
+    for (const std::string& folder : HxPackage::resourceFolders()) {
+        const QString path = QDir(QString::fromStdString(folder)).filePath(QString::fromUtf8(file));
+        if (QFileInfo(path).isFile()) return path;
+    }
+    static std::set<std::string> reported;
+    if (reported.insert(file).second)
+        HxMessage::getTheMsg()->printf("%s: there is no such picture in the resource folders.", file);
+    return {};
+}
+
+bool hasGui()
+{
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance());
 }
 
 } // namespace
@@ -53,4 +84,31 @@ void HxResource::handleException(const McException& exception, int consoleOnly)
         HxMessage::getTheMsg()->printf("%s", exception.what());
     else
         HxMessage::getTheMsg()->error("%s", exception.what());
+}
+
+QIcon HxResource::readIcon(const char* file)
+{
+    if (!hasGui()) return {};
+    const QString path = picturePath(file);
+    return path.isEmpty() ? QIcon() : QIcon(path);
+}
+
+QCursor HxResource::readCursor(const char* file, const char* mask, int hotX, int hotY)
+{
+    if (!hasGui()) return {};
+    const QString path = picturePath(file);
+    if (path.isEmpty()) return QCursor(Qt::ArrowCursor);
+    const QSize size = QPixmap(path).size();
+    if (size.isEmpty()) {
+        HxMessage::getTheMsg()->printf("%s: this is no picture.", qUtf8Printable(path));
+        return QCursor(Qt::ArrowCursor);
+    }
+    // Through an icon, which knows the picture for screens of higher density.
+    QPixmap picture = QIcon(path).pixmap(size, qGuiApp->devicePixelRatio());
+    if (mask) {
+        const QString maskPath = picturePath(mask);
+        if (maskPath.isEmpty()) return QCursor(Qt::ArrowCursor);
+        picture.setMask(QBitmap::fromPixmap(QIcon(maskPath).pixmap(size, qGuiApp->devicePixelRatio())));
+    }
+    return QCursor(picture, hotX, hotY);
 }

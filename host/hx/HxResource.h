@@ -49,7 +49,7 @@ public:
     static QIcon readIcon(const char* file);
 
     /// A cursor likewise; the hot spot is in pixels of the file. `mask` names a file whose white parts are
-    /// transparent, null: the file's own transparency. A missing file gives the arrow.
+    /// transparent; null: the file's own transparency. A missing file gives the arrow.
     static QCursor readCursor(const char* file, const char* mask, int hotX, int hotY);
 
     /// The name under which other processes of this machine reach this one.

@@ -19,7 +19,5 @@ public:
     HxColormap* getColormap() const { return colormap; }
 
 private:
-    void drawRampAnew();
-
     McHandle<HxColormap> colormap;
 };

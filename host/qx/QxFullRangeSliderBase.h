@@ -60,24 +60,23 @@ signals:
 
 protected:
     QxRangeTrack* rangeTrack() const { return track; }
-    void changeEvent(QEvent* event) override;
 
 private:
     void dragTo(float min, float max);
-    void endDrag();
+    void announce();
     bool store(float min, float max);
     float legal(float value) const;
-    void updateFields();
-    void updateScale();
-    void fieldEdited(const QxRangeField* field);
+    void showValues();
+    void showScale(float min, float max);
+    void takeField(const QxRangeField* field);
 
     QxRangeTrack* track;
     QxRangeField* minField;
     QxRangeField* maxField;
     float low = 0, high = 255;
+    float toldLow = 0, toldHigh = 255; // what listeners know; behind low and high in a drag without tracking
     float limitLow, limitHigh;
-    float step = 1;
+    float wantedStep = 1;
     bool discrete = true;
     bool tracking = true;
-    bool movedSilently = false; // a drag without tracking owes its signal
 };

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 /// The drawn part of a pair slider: histogram, window, ramp, marker and two handles. It turns mouse and keys
 /// into wishes for values; what becomes of them is its owner's affair, who then calls setValues.
@@ -58,22 +59,25 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
     struct Drag
     {
         Handle handle;
-        double offset;             // of the value under the pointer at the press to the lower or only handle
-        float startLow, startHigh; // what Escape goes back to
+        double grip;               // what the value under the pointer was ahead of the handle's at the press
+        float startLow, startHigh; // Escape goes back to them
     };
 
-    QRect histogramRect() const;
-    QRect rampRect() const;
-    double fractionOf(Handle handle) const;
+    QRectF histogramRect() const;
+    QRectF rampRect() const;
+    double xOf(double value) const;
+    double xOfHandle(Handle handle) const;
     double valueAt(double x) const;
     Handle handleAt(double x) const;
-    void ask(Handle handle, double value, void (QxRangeTrack::*signal)(float, float));
+    double onScale(double value) const;
+    std::pair<float, float> placed(Handle handle, double value, float fromLow, float fromHigh) const;
     void dragTo(double x);
 
     void drawHistogram(QPainter& painter) const;

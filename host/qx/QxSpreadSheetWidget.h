@@ -4,6 +4,8 @@
 #include <QTableView>
 
 class HxSpreadSheet;
+class QSortFilterProxyModel;
+class QStandardItemModel;
 
 /// Shows a table of results. A click on a header sorts by that column, numbers as numbers; Ctrl+C copies the
 /// selected cells as text with tabs.
@@ -25,4 +27,6 @@ private:
     void copySelection() const;
 
     QPointer<HxSpreadSheet> sheet;
+    QStandardItemModel* cells;
+    QSortFilterProxyModel* order;
 };

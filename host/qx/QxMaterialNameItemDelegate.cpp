@@ -1,0 +1,31 @@
+#include "qx/QxMaterialNameItemDelegate.h"
+
+#include "qx/QxMaterialValidator.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+
+QWidget* QxMaterialNameItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                                  const QModelIndex&) const
+{
+    auto* line = new QLineEdit(parent);
+    line->setFrame(false);
+    line->setValidator(new QxMaterialValidator(line));
+    return line;
+}
+
+bool QxMaterialNameItemDelegate::eventFilter(QObject* editor, QEvent* event)
+{
+    // The base class keeps an editor open whose text is not acceptable. An empty name is a way to say "as it
+    // was", and whoever takes the text knows what that is.
+    auto* line = qobject_cast<QLineEdit*>(editor);
+    if (line && line->text().isEmpty() && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            emit commitData(line);
+            emit closeEditor(line, SubmitModelCache);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::eventFilter(editor, event);
+}
