@@ -5,11 +5,13 @@
 
 #include <QCursor>
 #include <QImage>
-#include <QRect>
 #include <QTimer>
 #include <QWidget>
 
 #include <memory>
+
+class QMouseEvent;
+class QPainter;
 
 /// The frame buffer as a widget: shows the picture, centred in grey where it is smaller than the widget,
 /// with a title and a scroll bar through the slices over it, and turns Qt's events into those of the
@@ -46,9 +48,9 @@ public:
     void paste(const McBox2i& box) override;
     /// While the pointer is over the scroll bar the cursor shows that; the new one follows afterwards.
     void setCursor(const QCursor& shape) override;
-    McVec2i windowSize() const override { return McVec2i(width(), height()); }
+    McVec2i windowSize() const override { return widgetSize; }
 
-    /// Screen to zoomed coordinates and back, each the other's inverse.
+    /// Screen to zoomed coordinates and back, each the inverse of the other.
     McVec2i translatePosFromScreen(const McVec2i& p) const;
     McVec2i translatePosToScreen(const McVec2i& p) const;
     /// What is added to a position on the unflipped screen to get zoomed coordinates: along an axis on which
@@ -81,14 +83,15 @@ private slots:
 private:
     void createBuffer(const McVec2i& size);
     void destroyBuffer();
-    void clampOffset();
+    McVec2i withinSlice(const McVec2i& p) const;
     void fitMemory();
+    void renderUncovered(const McVec2i& moved);
     McVec2i margin() const;
+    QRect screenRect(const McBox2i& box) const;
     int numSlices() const;
     int slice() const;
-    QRect screenRect(const McBox2i& box) const;
 
-    void paintPicture(class QPainter& painter, const QRect& part) const;
+    void paintPicture(QPainter& painter, const QRect& part) const;
     void paintTitle(QPainter& painter) const;
     void paintScrollBar(QPainter& painter) const;
     const char* orientationName() const;
@@ -100,22 +103,16 @@ private:
         kTick
     };
     int barLength() const;
-    bool isOverBar(const QPoint& p) const;
     BarPart barPartAt(const QPoint& p) const;
-    bool pressOnBar(const QMouseEvent& event);
+    bool pressOnBar(const QPoint& p);
     int draggedSlice(const QPoint& p) const;
-    bool hoverBar(const QMouseEvent& event);
+    bool hoverOverBar(const QPoint& p);
     void leaveBar();
 
-    void fillModifiers(McEvent& event, Qt::KeyboardModifiers modifiers) const;
+    void fillPosition(McEvent& event, const QPoint& p, Qt::KeyboardModifiers modifiers) const;
     void fillMotion(const QPoint& p, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers);
-    void deliverButton(const QMouseEvent& event);
-    void translateKeyEvent(const QKeyEvent& event);
-    void deliverKey(QKeyEvent* event, int released);
-    /// Runs what an event leads to. Qt's event loop takes no exceptions: those of the host end here, on
-    /// the console.
-    template <class Act>
-    void guarded(Act act);
+    void translateKeyEvent(const QKeyEvent& event, int released);
+    void deliverButton(const QMouseEvent& event, bool pressed);
     void deliver(McEvent& event);
 
     McMouseButtonEvent buttonEvent;
@@ -123,11 +120,13 @@ private:
     McKeyboardEvent keyEvent;
     McLeaveWindowEvent leaveWindowEvent;
     std::unique_ptr<QImage> image; // the memory of the base
-    QRect repaintRect;             // screen coordinates; empty outside `paste`
-    bool ready = true;
-    bool overScrollBar = false, draggingScrollBar = false;
-    int grab = 0; // from the tick to the pointer while it is dragged
+    McVec2i widgetSize;            // as the last resize event told it
+    bool ready;
+    bool overScrollBar = false; // the cursor tells of arrows or tick
+    bool draggingScrollBar = false;
+    int grab = 0; // from the tick to the pointer, while it is dragged
     QCursor savedCursor;
+    Qt::MouseButtons heldButtons; // at the last event of the mouse
     QTimer wheelTimer;
-    int wheelRemainder = 0;
+    int wheelRemainder = 0; // of a step, in eighths of a degree
 };

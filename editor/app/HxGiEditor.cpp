@@ -1,7 +1,12 @@
 #include "app/HxGiEditor.h"
 
-#include "app/GiQ.h"
+#include "app/GiQProtected.h"
+#include "app/GiQTissueList.h"
+#include "app/GiQToolbox.h"
 #include "app/HxGiSubApplication.h"
+#include "display/GiFrameBuffer.h"
+#include "display/GiViewer.h"
+#include "filters/GiFilter.h"
 #include "hx/HxClassRegistry.h"
 #include "hx/HxField3.h"
 #include "hx/HxLabelLattice3.h"
@@ -16,6 +21,8 @@
 #include <cstring>
 
 namespace {
+
+constexpr int kFirstTool = 3; // the magic wand
 
 bool sameDims(const HxLattice& a, const HxLattice& b)
 {
@@ -45,13 +52,33 @@ struct HxGiEditor::Pair
     HxLattice3* imageLattice = nullptr;
 };
 
-HxGiEditor::HxGiEditor() : HxGiEditor(HxSubApplication::hasSubApplications() ? kStub : kOwnEditor) {}
-
-HxGiEditor::HxGiEditor(Form form)
-    : HxEditor(form == kStub ? HxMutableLabelLattice::getClassTypeId() : HxLabelLattice3::getClassTypeId())
+HxGiEditor::HxGiEditor() : HxEditor(HxMutableLabelLattice::getClassTypeId())
 {
-    setLabel(form == kStub ? "HxGiEditor" : "gi");
-    if (form == kOwnEditor) gi = std::make_unique<GiQ>(this);
+    setLabel("HxGiEditor");
+    if (HxSubApplication::hasSubApplications()) return;
+    gi = std::make_unique<GiQProtected>(this);
+    init();
+}
+
+HxGiEditor::HxGiEditor(QWidget* parent, QMenuBar* bar) : HxEditor(HxLabelLattice3::getClassTypeId())
+{
+    gi = std::make_unique<GiQProtected>(this, parent, bar);
+    init();
+}
+
+HxGiEditor::HxGiEditor(QWidget*& toolboxOut, QWidget*& viewerOut)
+    : HxEditor(HxLabelLattice3::getClassTypeId())
+{
+    gi = std::make_unique<GiQProtected>(this, toolboxOut, viewerOut);
+    init();
+}
+
+void HxGiEditor::init()
+{
+    toolbox = gi->getToolbox();
+    for (int i = 0; i < gi->viewers.size(); ++i)
+        if (GiFrameBuffer* buffer = gi->viewers[i]->getFrameBuffer())
+            buffer->addEventHandler(&HxGiEditor::handleEventCB, this);
 }
 
 HxGiEditor::~HxGiEditor()
@@ -93,6 +120,25 @@ void HxGiEditor::setRescaleInterceptSlope(const HxParamBundle& bundle)
 bool HxGiEditor::isImageType(int hostType)
 {
     return mcIsElementCode(hostType);
+}
+
+void HxGiEditor::preInit(float min, float max, const McHistogram& histogram)
+{
+    if (!gi) return;
+    gi->preInit(min, max, histogram);
+    preInitialised = true;
+}
+
+void HxGiEditor::preInitShowOnly()
+{
+    if (!gi) return;
+    gi->preInitShowOnly();
+    preInitialised = true;
+}
+
+void HxGiEditor::notifyStop()
+{
+    if (toolbox && toolbox->tissueList) toolbox->tissueList->notifyStop();
 }
 
 float HxGiEditor::eval(HxLattice* lattice, const McVec3i& index)
@@ -203,8 +249,10 @@ void HxGiEditor::bind(const Pair& pair)
     float min, max;
     gi->initRangeSliders(pair.image, min, max);
     gi->setDataWindow(min, max, false);
+    gi->setColormap(nullptr);
+    preInitialised = false;
     gi->materials = pair.labelLattice->materials();
-    gi->currentTissue = std::max(0, gi->materials->nBundles() - 1); // a new list stands on its last row
+    toolbox->setTissues(gi->materials);
     void* data = holdImage(pair.imageLattice);
     gi->labelData = pair.labels;
     gi->labelLattice = pair.labelLattice;
@@ -212,8 +260,10 @@ void HxGiEditor::bind(const Pair& pair)
     gi->imageLattice = pair.imageLattice;
     gi->setVolumeOfType(pair.imageLattice->primType(), pair.imageLattice->dims(), data, pair.labelLattice);
     gi->initTools();
+    toolbox->setTool(kFirstTool);
+    gi->setMenuEnabled(true);
     gi->connectData();
-    gi->redraw();
+    gi->redrawViewAll();
 }
 
 void* HxGiEditor::holdImage(HxLattice3* lattice)
@@ -236,6 +286,9 @@ void HxGiEditor::stopEditing()
         return;
     }
     gi->clear();
+    for (int i = 0; i < gi->filters.size(); ++i)
+        if (gi->filters[i]) gi->filters[i]->destroyWidget();
     releaseAccess();
+    preInitialised = false;
     HxObjectPool::getThePool()->updateViewerToggles();
 }

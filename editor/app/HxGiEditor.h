@@ -8,7 +8,6 @@
 class GiFrameBuffer;
 class GiQ;
 class GiQToolbox;
-class GiViewer;
 class HxLattice;
 class HxLattice3;
 class HxLatticeAccess;
@@ -16,6 +15,7 @@ class HxParamBundle;
 class McEvent;
 class McHistogram;
 class McKeyboardEvent;
+class McMotionEvent;
 class QMenuBar;
 class QWidget;
 
@@ -59,6 +59,8 @@ public:
     /// Show the window before any data is there.
     void preInit(float min, float max, const McHistogram& histogram);
     void preInitShowOnly();
+    /// Whether the window is shown that way: no editing began or ended since.
+    bool isPreInitialised() const { return preInitialised; }
     void setRescaleInterceptSlope(const HxParamBundle& bundle);
     /// Whether voxels of this host type can be shown and masked.
     static bool isImageType(int hostType);
@@ -75,8 +77,6 @@ public:
 
 private:
     struct Pair;
-    friend struct GiEditorKeys;
-
     void init();
     bool isBound(HxData* labels, HxData* image) const;
     void repairMaterials(HxParamBundle& materials, int maxLabel);
@@ -85,11 +85,11 @@ private:
     void releaseAccess();
 
     void activateViewer(GiFrameBuffer& frameBuffer);
-    void showInfo(GiFrameBuffer& frameBuffer, const McEvent& event);
-    void handleKey(McKeyboardEvent& event);
+    void showInfo(GiFrameBuffer& frameBuffer, const McMotionEvent& event);
+    void handleKey(const McKeyboardEvent& event);
 
     std::unique_ptr<GiQ> gi;
     GiQToolbox* toolbox = nullptr;     // the controller's
     HxLatticeAccess* access = nullptr; // keeps the image memory in place while it is edited over
-    bool preInitialised = false;       // a window without data is shown
+    bool preInitialised = false;
 };
