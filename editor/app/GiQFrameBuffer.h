@@ -57,6 +57,8 @@ public:
     /// the picture is centred, the negative margin; on others the scroll offset.
     McVec2i getDrawingAreaOffset() const;
     bool isReady() const { return ready; }
+    /// The wheel has come to rest, if it was turned lately; otherwise that is found out by waiting.
+    void endWheelBrowsing();
 
     /// All buffers that exist.
     static McDArray<GiQFrameBuffer*> allFrameBuffers;

@@ -261,8 +261,14 @@ void GiQFrameBuffer::wheelEvent(QWheelEvent* event)
     });
 }
 
+void GiQFrameBuffer::endWheelBrowsing()
+{
+    if (wheelTimer.isActive()) wheelBrowsingStopped();
+}
+
 void GiQFrameBuffer::wheelBrowsingStopped()
 {
+    wheelTimer.stop();
     setBrowsing(false);
     if (viewer) guarded([&] { viewer->setSlice(slice(), true); });
 }

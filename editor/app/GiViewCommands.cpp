@@ -1,14 +1,19 @@
 #include "app/GiViewCommands.h"
 
 #include "app/GiQ.h"
+#include "app/GiQFrameBuffer.h"
 #include "app/GiSnapshot.h"
+#include "app/GiViewEvents.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
-#include "display/GiMemoryFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
 
+#include <QCoreApplication>
+#include <QResizeEvent>
+
+#include <algorithm>
 #include <string>
 
 #include <tcl.h>
@@ -21,6 +26,7 @@ constexpr int kLargestWindow = 16384; // pixels a side
 struct Call
 {
     Tcl_Interp* interp;
+    GiQ& gi;
     GiViewer& viewer;
     int count;
     const char* const* words;
@@ -72,7 +78,7 @@ int slice(const Call& call)
 
 int zoom(const Call& call)
 {
-    constexpr double kLeast = 1.0 / 1024, kMost = 1024;
+    constexpr double kLeast = 1.0 / 1024, kMost = GiViewer::kLargestZoomFactor;
     if (call.numValues() > 1) return call.wrongArguments();
     if (call.numValues() == 1) {
         double value;
@@ -106,9 +112,15 @@ int size(const Call& call)
     McVec2i sides;
     if (!call.number(0, 1, kLargestWindow, sides.x) || !call.number(1, 1, kLargestWindow, sides.y))
         return TCL_ERROR;
-    auto* buffer = dynamic_cast<GiMemoryFrameBuffer*>(call.viewer.getFrameBuffer());
-    if (!buffer) return call.fail("this viewer's size is that of its window.");
-    buffer->setWindowSize(sides);
+    auto* buffer = qobject_cast<GiQFrameBuffer*>(call.viewer.getWidget());
+    if (!buffer) return call.fail("this viewer has no window.");
+    const QSize former = buffer->size();
+    buffer->resize(sides.x, sides.y);
+    // A widget that is not shown hears of its size when it is, which may be never.
+    QResizeEvent event(buffer->size(), former);
+    if (!buffer->isVisible()) QCoreApplication::sendEvent(buffer, &event);
+    const McVec2i picture(std::min(sides.x, buffer->zoomedSize.x), std::min(sides.y, buffer->zoomedSize.y));
+    if (!(buffer->memSize == picture)) return call.fail("there is not enough memory for this size.");
     return TCL_OK;
 }
 
@@ -124,6 +136,13 @@ int snapshot(const Call& call)
         " could not be written; its folder must exist and its suffix be that of an image, as .png.");
 }
 
+int event(const Call& call)
+{
+    std::string error;
+    if (giSendViewEvent(call.gi, call.viewer, call.numValues(), call.words + 3, error)) return TCL_OK;
+    return call.fail(error);
+}
+
 struct Entry
 {
     const char* name;
@@ -132,7 +151,7 @@ struct Entry
 
 constexpr Entry kEntries[] = {
     {"orientation", orientation}, {"slice", slice}, {"zoom", zoom}, {"flip", flip}, {"size", size},
-    {"snapshot", snapshot}};
+    {"snapshot", snapshot},       {"event", event}};
 
 int view(Tcl_Interp* interp, int count, const char* const* words)
 {
@@ -150,9 +169,9 @@ int view(Tcl_Interp* interp, int count, const char* const* words)
                     std::to_string(gi->viewers.size()) + ", from 0.");
     for (const Entry& entry : kEntries)
         if (entry.name == std::string(words[2]))
-            return entry.run({interp, *gi->viewers[index], count, words});
+            return entry.run({interp, *gi, *gi->viewers[index], count, words});
     return fail(std::string("\"") + words[2] +
-                "\" is unknown; use orientation, slice, zoom, flip, size or snapshot.");
+                "\" is unknown; use orientation, slice, zoom, flip, size, snapshot or event.");
 }
 
 } // namespace
@@ -160,8 +179,12 @@ int view(Tcl_Interp* interp, int count, const char* const* words)
 void giAddViewCommands()
 {
     HxScriptCommands::add(
-        "view", "view N orientation|slice|zoom|flip|size|snapshot ?VALUE ...?",
+        "view", "view N orientation|slice|zoom|flip|size|snapshot|event ?VALUE ...?",
         "Reads or sets orientation (0 YZ, 1 XZ, 2 XY), slice, zoom factor or flips (X Y Z, each 0 or 1) of "
-        "slice viewer N, sets the size of its picture (W H), or writes the picture (FILE).",
+        "slice viewer N, sets the size of its window (W H), or writes its picture (FILE). Events go through "
+        "the viewer's window: press, release or move at the image pixel I J, with left, middle or right and "
+        "shift, ctrl, alt; key NAME, as a, Left, PageUp, Return or space, with the same modifiers; wheel "
+        "DELTA, "
+        "120 a notch; leave.",
         view);
 }
