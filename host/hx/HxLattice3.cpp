@@ -51,7 +51,10 @@ HxLattice3::HxLattice3(HxLatticeCoords* coords, int numDataVars, int elementType
 {
     if (bytesOfElement(type) == 0 || components < 1)
         throw McException("This type of voxel is not supported.");
-    if (!data) data = mcAllocateZeroed(numBytes());
+    if (!data)
+        data = mcAllocateVolume(numBytes());
+    else if (ownsData)
+        mcPreferLargePages(data, numBytes());
 }
 
 HxLattice3::~HxLattice3()
@@ -115,7 +118,7 @@ void HxLattice3::resize(unsigned long x, unsigned long y, unsigned long z)
     const unsigned long newDims[3] = {x, y, z};
     const unsigned long newBytes = bytesFor(newDims);
     if (newBytes != numBytes()) {
-        void* block = mcAllocateZeroed(newBytes);
+        void* block = mcAllocateVolume(newBytes);
         freeData();
         data = block;
         ownsData = true;

@@ -18,3 +18,11 @@ void* mcAllocate(unsigned long bytes);
 
 /// The same, with all bytes 0. Pages of a large block cost nothing until they are touched.
 void* mcAllocateZeroed(unsigned long bytes);
+
+/// The same for the voxels of a volume, which are also walked across its rows, one page per step: in large
+/// pages, as far as the system has them, so that such a walk waits for less.
+void* mcAllocateVolume(unsigned long bytes);
+
+/// Asks the system for large pages in a block that has not been touched yet; one that has been is rebuilt
+/// when the system finds the time. Its contents stay. Nothing happens to small blocks.
+void mcPreferLargePages(void* memory, unsigned long bytes);
