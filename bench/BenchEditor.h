@@ -1,31 +1,14 @@
 #pragma once
 
-#include "core/Gi.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiMemoryViewer.h"
+#include "display/GiWindowless.h"
 #include "hx/HxLabelField3.h"
 #include "hx/HxLabelLattice3.h"
 #include "hx/HxUniformLabelField3.h"
 
 #include <cstring>
 #include <vector>
-
-/// The core with no window around it: nobody listens, nothing is shown but what viewers draw into memory.
-class BenchGi : public Gi
-{
-public:
-    ~BenchGi() override { destroyMembers(); }
-
-    void setDataWindow(float, float, bool) override {}
-    void setToolDataWindow(float, float, bool) override {}
-    void setToolDataWindowMarker(float) override {}
-    void clearToolDataWindowMarker() override {}
-    void setToolDataWindowSliderTracking(bool) override {}
-    bool toolDataWindowSliderTracking() override { return true; }
-    void setMaskingEnabled(bool) override {}
-    bool maskingEnabled() const override { return false; }
-    int getPickedVoxel(HxViewer*, int, int, McVec3i&, float&) override { return 0; }
-};
 
 /// An editor with a label field of `size` voxels along each side, all of them background, and three viewers
 /// by orientation. Rows of all three run downward.
@@ -67,7 +50,7 @@ public:
 
     const unsigned long dims[3];
     McHandle<HxUniformLabelField3> field;
-    BenchGi gi;
+    GiWindowless gi;
 };
 
 /// The memory image, rows from the top, without the unused byte of a pixel.

@@ -6,12 +6,15 @@
 #include "BenchPython.h"
 #include "BenchRace.h"
 #include "BenchVolume.h"
+#include "mc/McMemory.h"
 
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <random>
 #include <set>
 #include <vector>
@@ -39,24 +42,29 @@ private:
     unsigned long n, at;
 };
 
-/// An image of one element type. The width of the window is a prime, so that no value lies halfway between
-/// two grey values, where each of us rounds in a way of his own.
+struct Free
+{
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+/// An image of one element type, in memory as lattices have it. The width of the window is a prime, so that
+/// no value lies halfway between two grey values, where each of us rounds in a way of his own.
 template <class T>
 struct TypedImage
 {
     const char* name;      // for the table
     const char* numpyType; // for the peer
     float low, high;
-    std::vector<T> values;
+    std::unique_ptr<T, Free> values;
 };
 
 template <class T>
 TypedImage<T> typedImage(const char* name, const char* numpyType, float low, float high,
                          const BenchImage& blobs, int divisor)
 {
-    TypedImage<T> image{name, numpyType, low, high, std::vector<T>(blobs.size())};
-    for (std::size_t i = 0; i < blobs.size(); ++i) image.values[i] = static_cast<T>(blobs[i] / divisor);
-    return image;
+    auto* values = static_cast<T*>(mcAllocateVolume(blobs.size() * sizeof(T)));
+    for (std::size_t i = 0; i < blobs.size(); ++i) values[i] = static_cast<T>(blobs[i] / divisor);
+    return {name, numpyType, low, high, std::unique_ptr<T, Free>(values)};
 }
 
 /// The pixels of a slice, one by one into 32 bits: what no look-up can do without.
@@ -76,16 +84,13 @@ template <class T>
 class SliceCases
 {
 public:
-    SliceCases(const BenchOptions& given, BenchPython& peers, BenchEditor& shown, TypedImage<T> shownImage)
-        : options(given),
-          python(peers),
-          editor(shown),
-          image(std::move(shownImage)),
-          pixels(given.size * given.size)
+    SliceCases(const BenchOptions& given, BenchPython& peers, BenchEditor& shown,
+               const TypedImage<T>& shownImage)
+        : options(given), python(peers), editor(shown), image(shownImage), pixels(given.size * given.size)
     {
         file = options.work + "/image.raw";
-        benchSave(file, image.values.data(), image.values.size() * sizeof(T));
-        editor.setImage(image.values.data());
+        benchSave(file, image.values.get(), options.voxels() * sizeof(T));
+        editor.setImage(image.values.get());
     }
 
     void run()
@@ -186,7 +191,7 @@ private:
     const BenchOptions& options;
     BenchPython& python;
     BenchEditor& editor;
-    TypedImage<T> image;
+    const TypedImage<T>& image;
     std::vector<unsigned int> pixels;
     std::string file;
 };
@@ -459,12 +464,13 @@ void benchStroke(const BenchOptions& options, BenchEditor& editor)
 
 void benchDisplay(const BenchOptions& options)
 {
-    benchSetThreads(1);
+    benchSetThreads(std::getenv("NT") ? std::atoi(std::getenv("NT")) : 1);
     cv::setNumThreads(1);
     BlitCase("1", 1920, 1080).run();
     BlitCase("3", 640, 360).run();
     BlitCase("0.5", 3840, 2160).run();
 
+    if (std::getenv("BLIT")) return;
     BenchEditor editor(options.size);
     BenchPython python(options.size);
     const BenchImage blobs = benchBlobs(options.size);
@@ -473,10 +479,9 @@ void benchDisplay(const BenchOptions& options)
         .run();
     SliceCases<float>(options, python, editor, typedImage<float>("float", "float32", 500, 3499, blobs, 1))
         .run();
-    // The last image stays shown below.
-    TypedImage<unsigned short> image = typedImage<unsigned short>("16 bit", "uint16", 500, 3499, blobs, 1);
+    const auto image = typedImage<unsigned short>("16 bit", "uint16", 500, 3499, blobs, 1);
     SliceCases<unsigned short>(options, python, editor, image).run();
-    editor.setImage(image.values.data());
+    // This image stays shown below.
 
     const std::string atlas = options.work + "/atlas.raw";
     python.ask("atlas /usr/share/mricron/templates/aal.nii.gz " + atlas);

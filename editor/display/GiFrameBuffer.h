@@ -244,7 +244,6 @@ private:
     void drawDashedSide(McVec2i from, McVec2i to, float dash, unsigned int colors[2]);
 
     Function blitFunction() const;
-    void blendRow(unsigned int* row, int firstColumn, int count, int dataRow) const;
 
     /// Takes a visible brush outline away before pan tool or cross hair act.
     void clearToolMarks();

@@ -4,8 +4,9 @@
 #include "display/GiFrameBuffer.h"
 
 #include "core/Gi.h"
-#include "core/GiBitRows.h"
+#include "display/GiSelectionBlend.h"
 #include "hx/HxMessage.h"
+#include "mc/McSimd.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -31,10 +32,89 @@ void stretch(const unsigned int* row, const McDArray<int>& counts, unsigned int*
     }
 }
 
-bool isOneToOne(const McDArray<int>& counts)
+MC_TARGET_CLONES
+void pick(const unsigned int* row, const int* columns, int n, unsigned int* line)
 {
-    return std::all_of(counts.begin(), counts.end(), [](int n) { return n == 1; });
+    for (int i = 0; i < n; ++i) line[i] = row[columns[i]];
 }
+
+/// How the screen columns of a clip box show data columns.
+struct ColumnMap
+{
+    ColumnMap(const GiFrameBuffer& buffer, const McBox2i& clip)
+        : first(buffer.dataColumn(clip.xmin)), columns(clip.width())
+    {
+        counts.resize(buffer.dataColumn(clip.xmax) - first + 1);
+        for (int i = 0; i < columns.size(); ++i) {
+            columns[i] = buffer.dataColumn(clip.xmin + i) - first;
+            ++counts[columns[i]];
+        }
+        const auto [least, most] = std::minmax_element(counts.begin(), counts.end());
+        repeats = *most > 1;
+        drops = *least < 1;
+    }
+
+    int first;             // data column
+    McDArray<int> columns; // by screen column: the data column, counted from the first
+    McDArray<int> counts;  // by data column: its screen columns
+    bool repeats, drops;   // some data column is wider than one screen column, or is not seen
+};
+
+/// Makes screen rows of data rows.
+class RowMaker
+{
+public:
+    /// blend  null if the selection is not shown
+    RowMaker(const ColumnMap& columnMap, const GiSelection2D* pixels, const GiSelectionBlend* mixed)
+        : map(columnMap),
+          selection(pixels),
+          blend(mixed),
+          line(map.columns.size() + kBurst),
+          data(blend && map.repeats ? map.counts.size() : 0),
+          marks(blend ? std::max(map.columns.size(), map.counts.size()) : 0)
+    {
+    }
+
+    /// image  data row `row`, from its first column on
+    /// returns the screen row, in the image itself where they are the same
+    const unsigned int* make(const unsigned int* image, int row)
+    {
+        image += map.first;
+        if (map.repeats) return stretched(image, row);
+        const int n = map.columns.size();
+        if (!map.drops && !blend) return image;
+        if (!map.drops) {
+            std::copy_n(image, n, line.data());
+            blend->mixRow(line.data(), *selection, map.first, row, n, marks.data());
+            return line.data();
+        }
+        // Pixels that are not seen are left out first: nothing more is spent on them.
+        pick(image, map.columns.data(), n, line.data());
+        if (blend)
+            blend->mixPicked(line.data(), *selection, map.first, row, map.columns.data(), n, marks.data());
+        return line.data();
+    }
+
+private:
+    /// Pixels are blended once, before they are repeated.
+    const unsigned int* stretched(const unsigned int* image, int row)
+    {
+        const int n = map.counts.size();
+        if (blend) {
+            std::copy_n(image, n, data.data());
+            blend->mixRow(data.data(), *selection, map.first, row, n, marks.data());
+            image = data.data();
+        }
+        stretch(image, map.counts, line.data());
+        return line.data();
+    }
+
+    const ColumnMap& map;
+    const GiSelection2D* selection;
+    const GiSelectionBlend* blend;
+    McDArray<unsigned int> line, data;
+    McDArray<int> marks;
+};
 
 } // namespace
 
@@ -43,26 +123,6 @@ GiFrameBuffer::Function GiFrameBuffer::blitFunction() const
     const bool isShownByColor =
         selection && !selection->selectionBox.isEmpty() && (!gi || gi->selectionDrawStyle == 0);
     return isShownByColor ? function : kDraw;
-}
-
-/// Blends the selected pixels of a data row.
-void GiFrameBuffer::blendRow(unsigned int* row, int firstColumn, int count, int y) const
-{
-    const GiSelection2D& s = *selection;
-    if (y < 0 || static_cast<unsigned long>(y) >= s.height) return;
-    const int n = std::min(count, static_cast<int>(s.width) - firstColumn);
-    if (n <= 0) return;
-    if (s.xStride != 1) {
-        for (int i = 0; i < n; ++i)
-            if (s.isSet(firstColumn + i, y)) row[i] = blended(row[i]);
-        return;
-    }
-    const unsigned long first =
-        static_cast<unsigned long>(y) * s.yStride + static_cast<unsigned long>(firstColumn) + s.offset;
-    const unsigned long end = first + static_cast<unsigned long>(n);
-    const unsigned int* words = s.bits->words();
-    for (unsigned long i = giFindSet(words, first, end); i < end; i = giFindSet(words, i + 1, end))
-        row[i - first] = blended(row[i - first]);
 }
 
 void GiFrameBuffer::putImageGrey8Zoomed(const unsigned int* image, unsigned long, unsigned long,
@@ -74,42 +134,27 @@ void GiFrameBuffer::putImageGrey8Zoomed(const unsigned int* image, unsigned long
         HxMessage::getTheMsg()->printf("Line %d: unsupported function", kMessageBlit);
         return;
     }
-    const int firstColumn = dataColumn(clipBox.xmin), lastColumn = dataColumn(clipBox.xmax);
-    const int numColumns = lastColumn - firstColumn + 1;
-    McDArray<int> counts(numColumns);
-    for (int x = clipBox.xmin; x <= clipBox.xmax; ++x) ++counts[dataColumn(x) - firstColumn];
-    const bool copyOnly = isOneToOne(counts);
+    const ColumnMap columns(*this, clipBox);
+    const GiSelectionBlend blend(selectionPixel, selectionAlpha);
+    RowMaker rows(columns, selection, mode == kBlend ? &blend : nullptr);
 
-    const int width = clipBox.width();
-    const auto bytes = static_cast<std::size_t>(width) * sizeof(unsigned int);
-    McDArray<unsigned int> data(numColumns);
-    McDArray<unsigned int> line(width + kBurst);
+    const auto bytes = static_cast<std::size_t>(clipBox.width()) * sizeof(unsigned int);
     const int left = flipX ? memSize.x - 1 - (clipBox.xmax - offset.x) : clipBox.xmin - offset.x;
     const auto target = [&](int y) {
         const int my = y - offset.y;
         return pixelAt(left, flipY ? memSize.y - 1 - my : my);
     };
-
     for (int y = clipBox.ymin; y <= clipBox.ymax;) {
         const int row = dataRow(y);
-        const auto* start =
-            reinterpret_cast<const unsigned int*>(reinterpret_cast<const char*>(image) +
-                                                  static_cast<unsigned long>(row) * imageRowBytes) +
-            firstColumn;
-        if (mode == kBlend) {
-            std::copy_n(start, numColumns, data.data());
-            blendRow(data.data(), firstColumn, numColumns, row);
-            start = data.data();
-        }
-        if (!copyOnly) {
-            stretch(start, counts, line.data());
-            start = line.data();
-        }
+        const unsigned int* line =
+            rows.make(reinterpret_cast<const unsigned int*>(reinterpret_cast<const char*>(image) +
+                                                            static_cast<unsigned long>(row) * imageRowBytes),
+                      row);
         unsigned int* first = target(y);
         if (flipX)
-            std::reverse_copy(start, start + width, first);
+            std::reverse_copy(line, line + clipBox.width(), first);
         else
-            std::memcpy(first, start, bytes);
+            std::memcpy(first, line, bytes);
         for (++y; y <= clipBox.ymax && dataRow(y) == row; ++y) std::memcpy(target(y), first, bytes);
     }
 }

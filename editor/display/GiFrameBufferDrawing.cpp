@@ -2,6 +2,7 @@
 
 #include "display/GiFrameBuffer.h"
 
+#include "display/GiSelectionBlend.h"
 #include "hx/HxMessage.h"
 
 #include <algorithm>
@@ -66,17 +67,43 @@ float ellipseStep(float rx, float ry)
     return std::max(1 / ((rx + ry) * 6), kSmallestStep);
 }
 
+/// The angle after n steps, each rounded as if they were added one by one: between two powers of two all
+/// of them add the same, unless one lies halfway between two numbers.
+float afterSteps(float angle, float step, int n)
+{
+    const float once = angle + step, twice = once + step, increment = once - angle;
+    const auto end = static_cast<float>(static_cast<double>(angle) + n * static_cast<double>(increment));
+    if (twice - once == increment && std::ilogb(angle) == std::ilogb(end)) return end;
+    for (; n > 0; --n) angle += step;
+    return angle;
+}
+
+/// An ellipse along its circumference, in the float arithmetic that decides its pixels.
+struct Ellipse
+{
+    float cx, cy, rx, ry;
+
+    int x(float angle) const { return static_cast<int>(rx * std::cos(angle) + cx); }
+    int y(float angle) const { return static_cast<int>(ry * std::sin(angle) + cy); }
+
+    /// Whether the arc from an angle on can have pixels in a box; false only if it has none.
+    bool isNear(float angle, float arc, const McBox2i& box) const
+    {
+        const double middle = static_cast<double>(angle) + arc / 2;
+        const double r = std::max(std::abs(rx), std::abs(ry));
+        // Its length, and what rounding may add.
+        const double reach = r * arc / 2 + 4 + 1e-6 * (r + std::abs(cx) + std::abs(cy));
+        const double px = rx * std::cos(middle) + cx, py = ry * std::sin(middle) + cy;
+        return px >= box.xmin - reach && px <= box.xmax + reach && py >= box.ymin - reach &&
+               py <= box.ymax + reach;
+    }
+};
+
 } // namespace
 
-/// The colour with the selection's blended in, byte by byte; the top byte stays.
 unsigned int GiFrameBuffer::blended(unsigned int pixel) const
 {
-    const auto a = static_cast<unsigned int>(std::clamp(selectionAlpha, 0, 255));
-    const unsigned int rest = 255 - a, s = selectionPixel;
-    // Two bytes at once: a product fits into 16 bits.
-    const unsigned int outer = (pixel & 0xFF00FF) * rest + (s & 0xFF00FF) * a;
-    const unsigned int middle = (pixel >> 8 & 0xFF) * rest + (s >> 8 & 0xFF) * a;
-    return (pixel & 0xFF000000) | (outer >> 8 & 0xFF00FF) | (middle & 0xFF00);
+    return GiSelectionBlend(selectionPixel, selectionAlpha)(pixel);
 }
 
 bool GiFrameBuffer::isSelected(int column, int row) const
@@ -257,11 +284,23 @@ void GiFrameBuffer::drawStippleEllipse(int cx, int cy, float rx, float ry, float
     const unsigned int former = currentPixel;
     const float step = ellipseStep(rx, ry);
     const int dash = std::max(1, static_cast<int>(kFullCircle / step * degrees / 360));
+    const Ellipse ellipse{static_cast<float>(cx), static_cast<float>(cy), rx, ry};
+    // At a large zoom nearly all of it lies outside; that is passed over in arcs.
+    constexpr int kArcSteps = 256;
+    constexpr float kMostLost = 5e-7f; // by rounding an angle below a full circle
+    const float arc = kArcSteps * (step + kMostLost);
+    const McBox2i box = reachOfLines();
     int i = 0;
-    for (float a = 0; a < kFullCircle; a += step, ++i) {
-        currentPixel = i / dash % 2 == 0 ? former : pixel;
-        writePixel(static_cast<int>(rx * std::cos(a) + static_cast<float>(cx)),
-                   static_cast<int>(ry * std::sin(a) + static_cast<float>(cy)));
+    for (float a = 0; a < kFullCircle;) {
+        if (!ellipse.isNear(a, arc, box)) {
+            a = afterSteps(a, step, kArcSteps);
+            i += kArcSteps;
+            continue;
+        }
+        for (int k = 0; k < kArcSteps && a < kFullCircle; ++k, ++i, a += step) {
+            currentPixel = i / dash % 2 == 0 ? former : pixel;
+            writePixel(ellipse.x(a), ellipse.y(a));
+        }
     }
     currentPixel = former;
 }

@@ -6,8 +6,6 @@
 #include "mc/McMemoryException.h"
 #include "mc/McSimd.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -53,85 +51,96 @@ constexpr std::size_t roundedUp(std::size_t n)
     return (n + kLanes - 1) / kLanes * kLanes;
 }
 
+// Added to a number from 0 to 255 it leaves the nearest whole one in the low bits, even on a tie.
+constexpr float kRounder = 12582912;
+
+/// The pixels where grey values are shown as they are: without a colour map, and without a tint.
+///
 /// values  n, in an array of a whole number of lanes
-/// places  one per value, in an array of the same size
 /// grey    n bytes, 0 to 255
 ///
-/// Written with vectors, since from branches the compiler makes none. A comparison of vectors is -1 or 0.
+/// This and the next one are written with vectors, since from branches the compiler makes none.
 MC_TARGET_CLONES
-void locate(const float* values, std::size_t n, float scale, float bias, float maskLow, float maskHigh,
-            int* places, unsigned char* grey)
+void shade(const float* values, std::size_t n, float scale, float bias, unsigned int* packed,
+           unsigned char* grey)
 {
-    // Added to a number from 0 to 255 it leaves the nearest whole one in the low bits, even on a tie.
-    constexpr float kRounder = 12582912;
     const Floats none{}, most = none + 255;
     for (std::size_t i = 0; i < n; i += kLanes) {
         Floats v;
         std::memcpy(&v, values + i, sizeof v);
         const Floats t = scale * v + bias;
         Floats limited = t > none ? t : none; // also for NaN
-        limited = limited < most ? limited : most;
-        const Floats rounded = limited + kRounder;
+        limited = (limited < most ? limited : most) + kRounder;
         Ints g;
-        std::memcpy(&g, &rounded, sizeof g);
-        g -= std::bit_cast<int>(kRounder);
+        std::memcpy(&g, &limited, sizeof g);
+        g &= 255;
+        const Ints pixels = g * 0x01010101;
+        const Bytes bytes = __builtin_convertvector(g, Bytes);
+        if (n - i >= kLanes) {
+            std::memcpy(packed + i, &pixels, sizeof pixels);
+            std::memcpy(grey + i, &bytes, sizeof bytes);
+        } else {
+            std::memcpy(packed + i, &pixels, (n - i) * sizeof(unsigned int));
+            std::memcpy(grey + i, &bytes, n - i);
+        }
+    }
+}
+
+/// places  one per value, in an array of the same size
+///
+/// A comparison of vectors is -1 or 0.
+MC_TARGET_CLONES
+void locate(const float* values, std::size_t n, float scale, float bias, float maskLow, float maskHigh,
+            int* places, unsigned char* grey)
+{
+    const Floats none{}, most = none + 255;
+    for (std::size_t i = 0; i < n; i += kLanes) {
+        Floats v;
+        std::memcpy(&v, values + i, sizeof v);
+        const Floats t = scale * v + bias;
+        Floats limited = t > none ? t : none; // also for NaN
+        limited = (limited < most ? limited : most) + kRounder;
+        Ints g;
+        std::memcpy(&g, &limited, sizeof g);
+        g &= 255;
         Ints place = g + kFirstGrey - (t > most) + ~(t >= none);
         place += (v >= maskLow) & (v <= maskHigh) & kTinted;
         std::memcpy(places + i, &place, sizeof place);
         const Bytes bytes = __builtin_convertvector(g, Bytes);
-        std::memcpy(grey + i, &bytes, std::min(n - i, kLanes));
+        if (n - i >= kLanes)
+            std::memcpy(grey + i, &bytes, sizeof bytes);
+        else
+            std::memcpy(grey + i, &bytes, n - i);
     }
 }
 
-void locate(const float* values, std::size_t n, const Window& window, int* places, unsigned char* grey)
-{
-    locate(values, n, window.scale, window.bias, window.maskLow, window.maskHigh, places, grey);
-}
-
+MC_TARGET_CLONES
 void lookUp(const int* places, std::size_t n, const unsigned int* pixels, unsigned int* packed)
 {
     for (std::size_t i = 0; i < n; ++i) packed[i] = pixels[places[i]];
 }
 
-/// One row of elements as floats. The next row is asked for at the same time: in a slice across the rows
-/// of the volume each element lies in a cache line of its own, which no hardware guesses.
+// How far ahead memory is asked for, where no hardware guesses what comes next: in a slice along the
+// slices of the volume each row lies far from the former one, and in one across its rows each element lies
+// in a cache line of its own. An address beyond the volume is asked for in vain, which harms nothing.
+constexpr long kRowsAhead = 4, kElementsAhead = 32; // half and twice as far were slower, see bench/display
+constexpr long kCacheLine = 64;
+
+/// One row of elements as floats.
 template <class T>
-void readRow(const unsigned char* row, std::size_t n, long xStride, long yStride, bool isLast, float* values)
+void readRow(const unsigned char* row, std::size_t n, long xStride, long yStride, float* values)
 {
     if (xStride == static_cast<long>(sizeof(T))) {
+        const long bytes = static_cast<long>(n * sizeof(T));
+        if (yStride != bytes)
+            for (long i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(row + kRowsAhead * yStride + i);
         const T* elements = reinterpret_cast<const T*>(row);
         for (std::size_t i = 0; i < n; ++i) values[i] = static_cast<float>(elements[i]);
         return;
     }
     for (std::size_t i = 0; i < n; ++i, row += xStride) {
-        if (!isLast) __builtin_prefetch(row + yStride);
+        __builtin_prefetch(row + kElementsAhead * xStride);
         values[i] = static_cast<float>(*reinterpret_cast<const T*>(row));
-    }
-}
-
-/// A byte has 256 values: each is looked up once.
-struct ByteTable
-{
-    unsigned char grey[256];
-    unsigned int packed[256];
-
-    ByteTable(const Window& window, const unsigned int* pixels)
-    {
-        float values[256];
-        int places[256];
-        for (int i = 0; i < 256; ++i) values[i] = static_cast<float>(i);
-        locate(values, 256, window, places, grey);
-        lookUp(places, 256, pixels, packed);
-    }
-};
-
-void convertBytes(const ByteTable& table, const unsigned char* row, std::size_t n, long xStride, long yStride,
-                  bool isLast, unsigned char* grey, unsigned int* packed)
-{
-    for (std::size_t i = 0; i < n; ++i, row += xStride) {
-        if (xStride != 1 && !isLast) __builtin_prefetch(row + yStride);
-        grey[i] = table.grey[*row];
-        packed[i] = table.packed[*row];
     }
 }
 
@@ -187,19 +196,20 @@ void GiGreyImage::setImage(unsigned long newWidth, unsigned long newHeight, floa
         window.maskHigh = maskingWindow[1];
     }
 
+    const bool isPlain = !colormap && !maskingOverlay;
     const auto* row = reinterpret_cast<const unsigned char*>(data);
-    if constexpr (sizeof(T) == 1) {
-        const ByteTable table(window, pixels);
-        for (unsigned long y = 0; y < height; ++y, row += yStride)
-            convertBytes(table, row, width, xStride, static_cast<long>(yStride), y + 1 == height,
-                         grey + y * width, packed + y * width);
-    } else {
-        McDArray<float> values(static_cast<int>(roundedUp(width)));
-        McDArray<int> places(values.size());
-        for (unsigned long y = 0; y < height; ++y, row += yStride) {
-            readRow<T>(row, width, xStride, static_cast<long>(yStride), y + 1 == height, values.data());
-            locate(values.data(), width, window, places.data(), grey + y * width);
-            lookUp(places.data(), width, pixels, packed + y * width);
+    McDArray<float> values(static_cast<int>(roundedUp(width)));
+    McDArray<int> places(isPlain ? 0 : values.size());
+    for (unsigned long y = 0; y < height; ++y, row += yStride) {
+        readRow<T>(row, width, xStride, static_cast<long>(yStride), values.data());
+        unsigned char* const greyRow = grey + y * width;
+        unsigned int* const packedRow = packed + y * width;
+        if (isPlain) {
+            shade(values.data(), width, window.scale, window.bias, packedRow, greyRow);
+        } else {
+            locate(values.data(), width, window.scale, window.bias, window.maskLow, window.maskHigh,
+                   places.data(), greyRow);
+            lookUp(places.data(), width, pixels, packedRow);
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -58,7 +59,9 @@ TYPED_TEST(GreyImage, convertsEveryStrideAndWindow)
     GiGreyImage image;
     for (const int xStep : {1, 3}) {
         for (int round = 0; round < 20; ++round) {
-            const int width = 37, height = 5, rowSteps = width * xStep + round % 3;
+            // From one pixel on, below, at and beyond a whole number of vectors.
+            const int width = std::array{1, 7, 8, 37, 64}[round / 4], height = 5,
+                      rowSteps = width * xStep + round % 3;
             std::vector<T> data(static_cast<std::size_t>(rowSteps * height));
             for (T& v : data) {
                 const double x = std::max(anywhere(random), double(std::numeric_limits<T>::lowest()));
@@ -69,11 +72,12 @@ TYPED_TEST(GreyImage, convertsEveryStrideAndWindow)
                 data[static_cast<std::size_t>(xStep)] = std::numeric_limits<T>::infinity();
                 data[static_cast<std::size_t>(2 * xStep)] = -std::numeric_limits<T>::infinity();
             }
-            const auto min = static_cast<float>(data[20]);
-            const float max = round % 5 == 0 ? min : static_cast<float>(data[30]);
+            const auto min = static_cast<float>(data[data.size() / 2]);
+            const float max = round % 5 == 0 ? min : static_cast<float>(data[data.size() / 3]);
             image.setColormap(round % 2 ? map.get() : nullptr);
             image.setMaskingOverlay(round % 4 == 3);
-            image.setMaskingWindow(static_cast<float>(data[10]), static_cast<float>(data[10]) + 5000);
+            image.setMaskingWindow(static_cast<float>(data[data.size() / 4]),
+                                   static_cast<float>(data[data.size() / 4]) + 5000);
             image.setImage(width, height, min, max, data.data(), xStep * static_cast<int>(sizeof(T)),
                            static_cast<unsigned long>(rowSteps) * sizeof(T));
             for (int y = 0; y < height; ++y)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/Gi.h"
 #include "core/GiNotice.h"
 #include "display/GiViewer.h"
+#include "display/GiWindowless.h"
 #include "hx/HxLabelLattice3.h"
 #include "hx/HxLatticeCoords.h"
 #include "hx/HxUniformLabelField3.h"
@@ -29,7 +29,7 @@ public:
 };
 
 /// The core with three viewers and no window: what it announces is recorded.
-class TestGi : public Gi
+class TestGi : public GiWindowless
 {
 public:
     using Touch = std::array<int, 6>;
@@ -46,17 +46,8 @@ public:
         }
         if (numViewers > 0) panel.setActiveViewer(viewers[numViewers - 1]);
     }
-    ~TestGi() override { destroyMembers(); }
+    ~TestGi() override { viewerPanel = nullptr; }
 
-    void setDataWindow(float, float, bool) override {}
-    void setToolDataWindow(float, float, bool) override {}
-    void setToolDataWindowMarker(float) override {}
-    void clearToolDataWindowMarker() override {}
-    void setToolDataWindowSliderTracking(bool) override {}
-    bool toolDataWindowSliderTracking() override { return true; }
-    void setMaskingEnabled(bool) override {}
-    bool maskingEnabled() const override { return false; }
-    int getPickedVoxel(HxViewer*, int, int, McVec3i&, float&) override { return 0; }
     void redraw() override
     {
         ++redraws;
