@@ -1,129 +1,162 @@
 #include "app/GiQ.h"
 
+#include "app/GiQToolboxProtected.h"
+#include "app/GiResetOrientationTool.h"
+#include "app/GiSetOrientationTool.h"
+#include "app/HxController.h"
 #include "app/HxGiEditor.h"
-#include "app/HxGiSubApplication.h"
+#include "app/HxMain.h"
+#include "app/QxPreferenceDialog.h"
+#include "app/QxViewerPanel.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiGreyImage.h"
 #include "display/GiLabelImage.h"
-#include "display/GiMemoryViewer.h"
+#include "display/GiViewer.h"
+#include "hx/HxColormap.h"
 #include "hx/HxField3.h"
-#include "hx/HxHistogramInterface.h"
-#include "hx/HxLabelLattice3.h"
+#include "hx/HxMessage.h"
 #include "hx/HxObjectPool.h"
-#include "hx/HxParamBundle.h"
-#include "hx/HxRegScalarField3.h"
 #include "hx/HxSettingsMgr.h"
-#include "mc/McHistogram.h"
-#include "mc/McInterface.h"
-#include "tools/GiCrossHairTool.h"
+#include "qx/QxColormapFullRangeSlider.h"
 #include "tools/GiTool.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QCursor>
 #include <QGuiApplication>
+#include <QLabel>
+#include <QMenuBar>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QStackedLayout>
+#include <QToolButton>
 
 #include <algorithm>
 #include <tuple>
 
 namespace {
 
-constexpr int kHostFloat = 3, kHostDouble = 4; // element types whose windows keep fractions
-constexpr int kSliderBins = 120;
-
-int editorType(int hostType)
-{
-    switch (hostType) {
-    case 1:
-        return 1;
-    case 7:
-        return 2;
-    case 2:
-        return 3;
-    case 8:
-        return 4;
-    case kHostFloat:
-        return 5;
-    case kHostDouble:
-        return 6;
-    default:
-        return 0;
-    }
-}
-
-bool hasDims(const HxLattice3& lattice, const unsigned long* dims)
-{
-    return std::equal(dims, dims + 3, lattice.dims());
-}
+constexpr int kHostMode = 0, kEmbeddedMode = 1, kSubApplicationMode = 2;
+constexpr int kFirstTool = 3;      // the magic wand, by its place in the list of tools
+constexpr int kToolboxWidth = 320; // device-independent pixels
+constexpr int kLeastWindowWidth = 800;
+constexpr int kOneViewer = 1, kFourViewers = 4;
 
 } // namespace
 
-GiQ::GiQ(HxGiEditor* owner) : editor(owner)
+GiQ::GiQ(HxGiEditor* owner)
+    : panel(QxViewerPanel::getThePanel()), editor(owner), mode(kHostMode), ownLayout(kFourViewers)
 {
+    if (HxMain* window = HxMain::getTheMain()) menuBar = window->menuBar();
+    commonInit();
+}
+
+GiQ::GiQ(HxGiEditor* owner, QWidget* parent, QMenuBar* bar)
+    : editor(owner),
+      menuBar(bar),
+      splitter(new QSplitter(Qt::Horizontal, parent)),
+      mode(kEmbeddedMode),
+      ownLayout(kOneViewer)
+{
+    splitter->setObjectName("giSplitter");
+    panel = new QxViewerPanel(splitter);
+    commonInit();
+}
+
+GiQ::GiQ(HxGiEditor* owner, QWidget*& toolboxOut, QWidget*& viewerOut)
+    : panel(HxController::panel(HxController::kSubApplicationViewer)),
+      editor(owner),
+      mode(kSubApplicationMode),
+      ownLayout(kOneViewer)
+{
+    HxMain* window = HxMain::getTheMain();
+    menuBar = window->menuBar();
+    window->viewerLayout()->addWidget(panel);
+    commonInit();
+    toolboxOut = toolbox;
+    viewerOut = panel;
+}
+
+void GiQ::commonInit()
+{
+    editor->setLabel("gi");
+    formerLayout = ownLayout;
+    QxPreferenceDialog* dialog = QxPreferenceDialog::getThePreferenceDialog();
+    connect(dialog, &QDialog::rejected, this, &GiQ::readPreferences);
+    connect(dialog, &QxPreferenceDialog::selectionDrawStyleChanged, this, &GiQ::setSelectionDrawStyle);
+    buildMenus();
+    createToolbox();
+    toolbox->setTool(kFirstTool);
     createViewers();
     readSelectionDrawStyle();
-    connect(HxObjectPool::getThePool(), &HxObjectPool::objectRemoved, this, &GiQ::slotObjectRemoved);
+    if (mode == kEmbeddedMode) {
+        toolbox->wShow3DSelectionCheckBox->hide();
+        const int width = std::max(splitter->window()->width(), kLeastWindowWidth);
+        splitter->setSizes({width - kToolboxWidth, kToolboxWidth});
+    }
     connect(HxSettingsMgr::getInstance(), &HxSettingsMgr::preferencesChanged, this, &GiQ::preferencesChanged);
+    // In every mode: memory of an object that leaves the pool must not stay bound.
+    connect(HxObjectPool::getThePool()->notifier(), &HxObjectPool::objectRemoved, this,
+            &GiQ::slotObjectRemovedSA);
+    setMenuEnabled(false);
+    onActivate();
+}
+
+void GiQ::createToolbox()
+{
+    toolbox = new GiQToolboxProtected(this, splitter);
+    if (mode == kSubApplicationMode) {
+        HxMain::getTheMain()->toolPanelLayout()->addWidget(toolbox);
+        connectDataSetSwitch();
+    } else {
+        toolbox->wGiInput->hide();
+    }
 }
 
 GiQ::~GiQ()
 {
+    onDeactivate();
     disconnectData();
+    disconnect(HxSettingsMgr::getInstance(), nullptr, this, nullptr);
+    writeFlipPreference();
+    if (menuBar && mode == kEmbeddedMode) menuBar->clear();
+    delete segmentationMenu;
+    delete selectionMenu;
     destroyMembers();
+    delete toolbox;
+    if (mode == kEmbeddedMode)
+        delete splitter;
+    else if (mode == kSubApplicationMode && panel && HxMain::getTheMain())
+        HxMain::getTheMain()->viewerLayout()->removeWidget(panel); // the host's, for the next one to use
 }
 
-void GiQ::createViewers()
+QWidget* GiQ::getWidget() const
 {
-    viewerPanel = &panel;
-    for (int orientation = 0; orientation < 3; ++orientation) {
-        auto* viewer = new GiMemoryViewer("viewer", this);
-        viewer->ref();
-        viewer->setPanel(&panel);
-        viewer->setOrientation(orientation);
-        viewer->setFlip(0, 0, 0);
-        GiFrameBuffer* buffer = viewer->getFrameBuffer();
-        if (panTool) buffer->addShape(panTool);
-        buffer->addShape(crossHair);
-        if (currentTool) buffer->addShape(currentTool);
-        viewers.append(viewer);
-    }
-    panel.setActiveViewer(viewers[2]);
-    for (int i = viewers.size() - 1; i >= 0; --i) panel.registerViewer(viewers[i]);
-    lastViewer = viewers[2];
+    return splitter;
 }
 
-void GiQ::setDataWindow(float min, float max, bool redrawAfter)
-{
-    dataWindow[0] = min;
-    dataWindow[1] = max;
-    if (zoomAllViewers)
-        for (int i = 0; i < viewers.size(); ++i) viewers[i]->setDataWindow(min, max, redrawAfter);
-    else if (GiViewer* viewer = getCurrentViewer())
-        viewer->setDataWindow(min, max, redrawAfter);
-}
+// What the core announces
 
-void GiQ::setToolDataWindow(float min, float max, bool redrawAfter)
+void GiQ::setVolume(const unsigned long* dims, McTypedPointer data, HxLabelLattice3* lattice)
 {
-    const int type = imageLattice ? imageLattice->primType() : kHostFloat;
-    const bool real = type == kHostFloat || type == kHostDouble;
-    toolDataWindow[0] = real ? min : static_cast<float>(static_cast<long>(min));
-    toolDataWindow[1] = real ? max : static_cast<float>(static_cast<long>(max));
-    for (int i = 0; i < viewers.size(); ++i)
-        viewers[i]->setMaskingWindow(toolDataWindow[0], toolDataWindow[1], redrawAfter);
-}
-
-void GiQ::setMaskingEnabled(bool on)
-{
-    masking = on;
-    for (int i = 0; i < viewers.size(); ++i) viewers[i]->setMaskingEnabled(on);
-    setToolDataWindowSliderTracking(true);
+    Gi::setVolume(dims, data, lattice);
 }
 
 void GiQ::updateCursor()
 {
-    // Without a display there is no pointer, and cursors made of pictures cannot be had.
-    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return;
-    const QCursor arrow(Qt::ArrowCursor);
-    for (int i = 0; i < viewers.size(); ++i)
-        viewers[i]->setCursor(currentTool ? *currentTool->getToolCursor() : arrow);
+    const QCursor cursor = currentTool ? *currentTool->getToolCursor() : QCursor(Qt::ArrowCursor);
+    for (int i = 0; i < viewers.size(); ++i) viewers[i]->setCursor(cursor);
+}
+
+void GiQ::updateUndoSensitivity()
+{
+    if (undoAction) undoAction->setEnabled(canUndo());
+}
+
+void GiQ::sliceNumberChanged(GiViewer* viewer)
+{
+    Gi::sliceNumberChanged(viewer);
+    checkForHiddenSelection();
 }
 
 void GiQ::touchData(int selectionTouched, int labelsTouched, int, int, int, int)
@@ -136,86 +169,77 @@ void GiQ::touchData(int selectionTouched, int labelsTouched, int, int, int, int)
     }
 }
 
+void GiQ::set3dMode(bool on)
+{
+    Gi::set3dMode(on);
+    if (toolbox) toolbox->set3D(on);
+}
+
+void GiQ::setZoomMode(bool allViewers)
+{
+    Gi::setZoomMode(allViewers);
+    if (toolbox) toolbox->allZoom(allViewers);
+}
+
+void GiQ::setMaskingEnabled(bool on)
+{
+    toolbox->wEnableMaskingCheckBox->setChecked(on);
+}
+
+void GiQ::setMaskingOverlay(bool on)
+{
+    toolbox->wShowMaskingCheckBox->setChecked(on);
+}
+
+bool GiQ::maskingEnabled() const
+{
+    return toolbox->wEnableMaskingCheckBox->isChecked();
+}
+
+void GiQ::setTool(int index)
+{
+    toolbox->setTool(index);
+}
+
 int GiQ::getPickedVoxel(HxViewer*, int, int, McVec3i&, float&)
 {
     return 0; // nothing can be picked without a 3D view
 }
 
-void GiQ::initRangeSliders(HxData* image, float& min, float& max)
+void GiQ::setToolDataWindowMarker(float value)
 {
-    float rangeMin = 0, rangeMax = 255;
-    if (auto* source = mcinterface_cast<HxHistogramInterface>(image)) {
-        const McHistogram histogram = source->getHistogram(kSliderBins);
-        rangeMin = histogram.getMin();
-        rangeMax = histogram.getMax();
-    }
-    clearToolDataWindowMarker();
-    setToolDataWindow(0.75f * rangeMin + 0.25f * rangeMax, rangeMax, true);
-
-    float window[2] = {rangeMin, rangeMax};
-    if (auto* labels = mcinterface_cast<HxLabelLattice3>(image)) {
-        window[0] = 0;
-        window[1] = static_cast<float>(labels->materials()->nBundles() - 1);
-    } else if (image) {
-        image->parameters.findReal("DataWindow", 2, window);
-    }
-    min = std::max(rangeMin, window[0]);
-    max = std::min(rangeMax, window[1]);
+    toolbox->wMaskingWindowSlider->setMarker(value);
 }
 
-void GiQ::setVolumeOfType(int hostType, const unsigned long* dims, void* data, HxLabelLattice3* lattice)
+void GiQ::clearToolDataWindowMarker()
 {
-    const int n = static_cast<int>(dims[0]);
-    switch (hostType) {
-    case 1:
-        return setVolumeShort(dims, 2 * n, static_cast<short*>(data), lattice);
-    case 7:
-        return setVolumeUnsignedShort(dims, 2 * n, static_cast<unsigned short*>(data), lattice);
-    case 2:
-        return setVolumeInt(dims, 4 * n, static_cast<int*>(data), lattice);
-    case 8:
-        return setVolumeUnsignedInt(dims, 4 * n, static_cast<unsigned int*>(data), lattice);
-    case kHostFloat:
-        return setVolumeFloat(dims, 4 * n, static_cast<float*>(data), lattice);
-    case kHostDouble:
-        return setVolumeDouble(dims, 8 * n, static_cast<double*>(data), lattice);
-    default:
-        return setVolumeByte(dims, n, static_cast<unsigned char*>(data), lattice);
-    }
+    toolbox->wMaskingWindowSlider->clearMarker();
 }
 
-void GiQ::setImageDataSet(HxData* image)
+void GiQ::setToolDataWindowSliderTracking(bool on)
 {
-    if (imageData && imageData != labelData)
-        disconnect(imageData, &HxData::dataObjectTouched, this, &GiQ::slotDataTouched);
-    auto* lattice = mcinterface_cast<HxLattice3>(image);
-    primType = editorType(lattice->primType());
-    imageSlices.init(lattice->dims(), McTypedPointer(editor->holdImage(lattice), lattice->primType()));
-    imageData = image;
-    imageLattice = lattice;
-    float min, max;
-    initRangeSliders(image, min, max);
-    setDataWindow(min, max, true);
-    for (int i = 0; i < viewers.size(); ++i) viewers[i]->setSlice(viewers[i]->getSlice(), true);
-    redraw();
-    if (imageData != labelData) connect(imageData, &HxData::dataObjectTouched, this, &GiQ::slotDataTouched);
+    toolbox->wMaskingWindowSlider->setTracking(on);
 }
 
-void GiQ::connectData()
+bool GiQ::toolDataWindowSliderTracking()
 {
-    connect(labelData, &HxData::dataObjectTouched, this, &GiQ::slotDataTouched);
-    if (imageData != labelData) connect(imageData, &HxData::dataObjectTouched, this, &GiQ::slotDataTouched);
+    return toolbox->wMaskingWindowSlider->isTracking();
 }
 
-void GiQ::disconnectData()
+void GiQ::setZoomFactor(float zoom)
 {
-    if (labelData) disconnect(labelData, nullptr, this, nullptr);
-    if (imageData) disconnect(imageData, nullptr, this, nullptr);
+    Gi::setZoomFactor(zoom);
+    toolbox->zoomLabel->setText(getZoomFactorText());
+    toolbox->zoomLabel->updateGeometry();
 }
+
+// Without data
 
 void GiQ::clear()
 {
     disconnectData();
+    if (colormap) disconnect(colormap, &HxColormap::dataObjectTouched, this, &GiQ::slot2DColormapTouched);
+    colormap = nullptr;
     materials = nullptr;
     labelData = nullptr;
     imageData = nullptr;
@@ -232,13 +256,52 @@ void GiQ::clear()
         if (GiLabelImage* labels = viewers[i]->getLabelImage()) labels->setMemory(nullptr, 0, 0);
         if (GiGreyImage* image = viewers[i]->getGreyImage()) image->clear();
     }
-    setDataWindow(0, 255, true);
-    setToolDataWindow(0, 255, true);
+    emptySliders();
+    setMenuEnabled(false);
+    toolbox->setTissues(nullptr);
     clearUndo(1);
     // The views end with the data: nothing may reach memory that its owner is free to give back.
     const unsigned long none[3] = {0, 0, 0};
     imageSlices.init(none, McTypedPointer(nullptr, 0));
     labelSlices.init(none, 1, nullptr);
+    // What the windows showed goes with the data.
+    for (int i = 0; i < viewers.size(); ++i)
+        if (QWidget* widget = viewers[i]->getWidget()) widget->update();
+}
+
+void GiQ::preInitShowOnly()
+{
+    toolbox->qxRangeSlider->show();
+    if (toolbox->isHidden()) return;
+    setMenuEnabled(true);
+    toolbox->addMatButton->setEnabled(true);
+    toolbox->delMatButton->setEnabled(true);
+    toolbox->tissueFrame->setEnabled(true);
+    toolbox->activateGUI(true);
+}
+
+// Preferences
+
+void GiQ::preferencesChanged(const HxPreferences& old, const HxPreferences& now)
+{
+    const auto look = [](const HxPreferences& p) {
+        return std::tie(p.selectionDrawStyle, p.selectionStyle3D, p.selectionAlpha);
+    };
+    // A weight that a script chose stays until the user wants another look.
+    if (look(old) != look(now)) readPreferences();
+}
+
+void GiQ::readPreferences()
+{
+    readSelectionDrawStyle();
+}
+
+void GiQ::setSelectionDrawStyle(int style, int alpha)
+{
+    selectionDrawStyle = static_cast<unsigned char>(style);
+    for (int i = 0; i < viewers.size(); ++i)
+        if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer()) buffer->selectionAlpha = alpha;
+    redraw();
 }
 
 void GiQ::materialsChanged()
@@ -247,35 +310,20 @@ void GiQ::materialsChanged()
     redraw();
 }
 
-void GiQ::slotDataTouched(unsigned int)
+// Closing
+
+void GiQ::menuClose()
 {
-    if (!imageData || !labelLattice) return;
-    if (!HxSubApplication::running()) {
-        editor->stopEditing();
+    HxMain* window = HxMain::getTheMain();
+    if (!window || window->currentToolPanel() != toolbox) return;
+    constexpr int kClose = 0;
+    const GiViewer* viewer = getCurrentViewer();
+    const GiSelection2D* slice = viewer ? viewer->getSelection() : nullptr;
+    // kept: only the slice in view is looked at; a selection in other slices goes without a question.
+    // Finding it would mean a scan of the volume for a button that people press when they are done.
+    if (slice && !slice->selectionBox.isEmpty() &&
+        HxMessage::getTheMsg()->warning("Current selection will be lost !\n Close anyway ?", "Close",
+                                        "Cancel") != kClose)
         return;
-    }
-    const auto* image = mcinterface_cast<HxLattice3>(imageData);
-    if (image && hasDims(*image, labelLattice->dims()) && hasDims(*labelLattice, selection->dims))
-        return; // a change of values needs no new binding
-    HxData* labels = labelData;
-    disconnectData();
-    labelData = nullptr; // the pair must not pass for the one that is bound already
-    editor->startEditing(labels);
-}
-
-void GiQ::preferencesChanged(const HxPreferences& old, const HxPreferences& now)
-{
-    const auto look = [](const HxPreferences& p) {
-        return std::tie(p.selectionDrawStyle, p.selectionAlpha, p.selectionStyle3D);
-    };
-    // A weight that a script chose stays until the user wants another look.
-    if (look(old) != look(now)) readSelectionDrawStyle();
-}
-
-void GiQ::slotObjectRemoved(HxObject* object)
-{
-    if (object == labelData)
-        editor->stopEditing();
-    else if (object == imageData && labelData)
-        setImageDataSet(labelData);
+    editor->detach(); // may delete the editor, and this with it
 }

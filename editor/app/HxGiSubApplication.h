@@ -3,7 +3,9 @@
 #include "app/HxGiEditor.h"
 #include "hx/HxSubApplication.h"
 
+class GiQToolbox;
 class HxRegScalarField3;
+class QWidget;
 
 /// Segmentation as a full mode of the host, with an editor of its own. A singleton; it outlives its
 /// stops, and leaving it keeps data and undo history for the next start.
@@ -26,7 +28,8 @@ public:
     /// the present labels, else for the one that is found.
     void open(HxData* labels, HxData* image);
     void stopEditing(HxGiEditor* attached);
-    /// Chooses label field and image for `data` and starts the editing, if there is a label field.
+    /// Fills the toolbox's two combo boxes, chooses label field and image for `data` in them, and starts
+    /// the editing, if there is a label field.
     void initDataSets(HxData* data);
     /// Detaches an attached editor that edits other data.
     void checkOtherEditor(HxData* data);
@@ -37,12 +40,18 @@ private:
     HxGiSubApplication();
 
     void ensureEditor();
+    GiQToolbox& toolbox() const;
+    void showWidgets();
     void editPair(HxData* labels, HxData* image);
-    HxRegScalarField3* chooseLabels(HxData* data) const;
-    HxRegScalarField3* chooseImage(HxData* data, HxRegScalarField3* labels) const;
+    HxRegScalarField3* presentImageOf(HxRegScalarField3* labels) const;
+    HxRegScalarField3* fillLabelBox(HxRegScalarField3* labels);
+    HxRegScalarField3* fillImageBox(HxRegScalarField3* labels, HxRegScalarField3* image);
+    void showPairInBoxes();
 
     HxData* labelsToOpen = nullptr; // the pair that `open` was asked for, only while it runs
     HxData* imageToOpen = nullptr;
     McHandle<HxGiEditor> ownEditor;
     McHandle<HxGiEditor> attachedEditor;
+    QWidget* toolboxWidget = nullptr;
+    QWidget* viewerWidget = nullptr;
 };
