@@ -2,6 +2,7 @@
 
 #include <QTableWidget>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -9,6 +10,7 @@ class GiQ;
 class GiQTissueListItem;
 class HxParamBundle;
 class McColor;
+class QMenu;
 
 /// The table of materials: one row per material, and the row number is the label in the volume.
 ///
@@ -30,6 +32,14 @@ public:
         kLock,
         kSelect,
         kNumColumns
+    };
+
+    /// What selectVoxels does to the selection.
+    enum SelectMode
+    {
+        kAddVoxels = 0,
+        kRemoveVoxels = 1,
+        kReplaceVoxels = 2
     };
 
     /// A label is a byte.
@@ -75,15 +85,26 @@ public:
 
     /// Names, and rows of materials that are not to be shown, anew from the bundles.
     void updateMaterialVisibility();
+    /// What the boxes of the 3D columns do; without operations, as long as no 3D view is there, they are
+    /// disabled.
+    using Operation3D = std::function<void(int row, bool on)>;
+    void set3DOperations(Operation3D showMaterial, Operation3D useLabelColor);
+    const Operation3D& show3D() const { return showMaterial3D; }
+    const Operation3D& useLabelColor3D() const { return useLabelColor; }
     /// What the 3D view shows, one flag per material.
     void set3DVisibility(const bool* visible);
     void set3DUseLabelColor(const bool* used);
 
     void popupContextMenu(GiQTissueListItem* item, const QPoint& globalPosition, int row);
-    /// Marks a material: mode 0 adds to the selection, 1 takes out of it, 2 replaces it.
-    void selectVoxels(int row, int mode);
-    /// Colours, names or styles were changed: tables and viewers follow.
-    void showChanges();
+    /// Marks a material, in the volume or in the current slice as the toolbox says.
+    void selectVoxels(int row, SelectMode mode);
+    /// Locks material `row` against edits, in the controller and in the list.
+    void lock(int row, bool on);
+    bool isLocked(int row) const;
+    /// All but material 0.
+    void lockAll(bool on);
+    /// Adds a row for a bundle, which is in the list's bundle already, and makes it current.
+    void appendTissue(HxParamBundle* material);
 
 public slots:
     void selectionChanged();
@@ -94,8 +115,36 @@ public slots:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+private:
+    void setUpTable();
+    void setUpHeader();
+    int heightOfRows(int rows) const;
+    void addRow();
+    void applyVoid(int row);
+    void refresh3DColor(int row);
+    void updateColors();
+    bool is3D() const;
+    QByteArray freshName() const;
+    void fillNewMaterial(HxParamBundle& material, const char* name) const;
+    void storeLongName(int row, const QByteArray& text);
+    bool rename(int row, const QByteArray& name);
+    void mergeInto(int row, HxParamBundle* other);
+    void moveTables(int from, int remaining);
+    void fillContextMenu(QMenu& menu, int row);
+    void fillStyleMenu(QMenu& menu, int row) const;
+    void runMenuEntry(int entry, int row);
+
+    HxParamBundle* bundle = nullptr; // the label data's "Materials"
+    GiQ* gi = nullptr;
+    std::vector<std::unique_ptr<GiQTissueListItem>> items; // by row
+    int pressRow = -1;                                     // under the last left press
+    Operation3D showMaterial3D;
+    Operation3D useLabelColor;
 };

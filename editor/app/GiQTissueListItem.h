@@ -23,6 +23,7 @@ public:
     QColor getColor() const { return color; }
     QString getName() const;
     bool isColor3DButtonChecked() const;
+    bool isShow2DButtonChecked() const;
 
     /// Shows the name; the list is not told of an edit.
     void setName(const QString& name);
@@ -31,8 +32,12 @@ public:
     /// Show a state of the 3D view; it is not told.
     void setShow3D(bool on);
     void setColor3D(bool on);
+    /// Whether there is a 3D view to act on.
+    void enable3D(bool on);
 
 public slots:
+    void slotShow3D(bool on);
+    void slotShowColor(bool on);
     /// 0 hides the material in the slice viewers and remembers its present style.
     void setDrawStyle2D(unsigned int style);
     /// Hides the material, or brings its last visible style back.
@@ -43,8 +48,10 @@ public slots:
 
 private:
     static const QIcon& lockIcon(bool locked);
-    QCheckBox* makeBox(const char* objectName, const QString& toolTip);
-    QWidget* centred(QWidget* widget);
+    QCheckBox* makeBox(int row, int column, const char* objectName, const QString& toolTip);
+    void makeCells(int row);
+    void fillCells(int row);
+    void connectCells();
 
     GiQTissueList* list;
     QFrame* colorFrame;

@@ -1,0 +1,508 @@
+#include "app/GiQTissueList.h"
+
+#include "app/GiQ.h"
+#include "app/GiQTissueListItem.h"
+#include "app/GiQToolbox.h"
+#include "core/GiBusy.h"
+#include "display/GiLabelImage.h"
+#include "hx/HxLabelField3.h"
+#include "hx/HxLabelLattice3.h"
+#include "hx/HxMatDatabase.h"
+#include "hx/HxMessage.h"
+#include "hx/HxSettingsMgr.h"
+#include "qx/HxColorEditor.h"
+#include "qx/QxLockItemDelegate.h"
+#include "qx/QxMaterialNameItemDelegate.h"
+
+#include <QHeaderView>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kLastMadeName = 19999;
+constexpr int kLastEntry = GiQTissueList::kMaxMaterials - 1;
+constexpr int kShownRows = 8;
+
+/// Label i becomes r, and all above i go down by one.
+void reorderLabels(HxLabelLattice3& lattice, int i, int r)
+{
+    const unsigned long slice = lattice.dims()[0] * lattice.dims()[1];
+    const long slices = static_cast<long>(lattice.dims()[2]);
+    const int threads = std::max(1, HxSettingsMgr::getInstance()->numThreads());
+    const long chunk = std::max(1l, (slices + threads - 1) / threads);
+    const auto removed = static_cast<unsigned char>(i);
+    const auto replacement = static_cast<unsigned char>(r);
+    unsigned char* const labels = lattice.getLabels();
+#pragma omp parallel for num_threads(threads) schedule(static, chunk)
+    for (long s = 0; s < slices; ++s) {
+        unsigned char* const voxels = labels + slice * static_cast<unsigned long>(s);
+        for (unsigned long k = 0; k < slice; ++k) {
+            const unsigned char v = voxels[k];
+            voxels[k] = v == removed ? replacement : static_cast<unsigned char>(v - (v > removed));
+        }
+    }
+}
+
+QByteArray cleaned(const QByteArray& text)
+{
+    return QByteArray(HxParameter(text.constData()).getName());
+}
+
+} // namespace
+
+GiQTissueList::GiQTissueList(QWidget* parent) : QTableWidget(0, kNumColumns, parent)
+{
+    setUpTable();
+    setUpHeader();
+    connect(this, &QTableWidget::itemSelectionChanged, this, &GiQTissueList::selectionChanged);
+    connect(this, &QTableWidget::cellChanged, this, &GiQTissueList::nameChanged);
+    connect(this, &QTableWidget::cellClicked, this, &GiQTissueList::itemClicked);
+}
+
+GiQTissueList::~GiQTissueList() = default;
+
+void GiQTissueList::setUpTable()
+{
+    setObjectName("tissuelist");
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(0);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().lineSpacing() + 5);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setSelectionMode(SingleSelection);
+    setSelectionBehavior(SelectRows);
+    setShowGrid(false);
+    setTabKeyNavigation(false); // Tab leads on to the next widget of the panel
+    setEditTriggers(DoubleClicked | EditKeyPressed);
+    setIconSize(QSize(fontMetrics().height(), fontMetrics().height()));
+    setItemDelegateForColumn(kName, new QxMaterialNameItemDelegate(this));
+    setItemDelegateForColumn(kLock, new QxLockItemDelegate(this));
+}
+
+void GiQTissueList::setUpHeader()
+{
+    const QStringList titles{tr("Col"),   tr("Name"), tr("2D"),    tr("3D"),
+                             tr("Color"), tr("Lock"), tr("Select")};
+    setHorizontalHeaderLabels(titles);
+    QHeaderView* header = horizontalHeader();
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setHighlightSections(false);
+    header->setMinimumSectionSize(0);
+    header->setSectionResizeMode(QHeaderView::Fixed);
+    for (int c = 0; c < kNumColumns; ++c)
+        header->resizeSection(c, header->fontMetrics().horizontalAdvance(titles[c]) + 10);
+}
+
+int GiQTissueList::heightOfRows(int rows) const
+{
+    return horizontalHeader()->sizeHint().height() + rows * verticalHeader()->defaultSectionSize() +
+           2 * frameWidth();
+}
+
+QSize GiQTissueList::sizeHint() const
+{
+    return {QTableWidget::sizeHint().width(), heightOfRows(kShownRows)};
+}
+
+QSize GiQTissueList::minimumSizeHint() const
+{
+    return {QTableWidget::minimumSizeHint().width(), heightOfRows(3)};
+}
+
+// ---- filling
+
+HxParamBundle* GiQTissueList::bundleOf(int row) const
+{
+    return bundle ? bundle->bundle(row) : nullptr;
+}
+
+GiQTissueListItem* GiQTissueList::itemOf(int row) const
+{
+    return row >= 0 && row < static_cast<int>(items.size()) ? items[static_cast<size_t>(row)].get() : nullptr;
+}
+
+QString GiQTissueList::nameOf(int row) const
+{
+    const HxParamBundle* material = bundleOf(row);
+    if (!material) return {};
+    McString longName;
+    const bool isLong = material->findString("LongName", longName);
+    return QString::fromLocal8Bit(isLong ? longName.c_str() : material->getName());
+}
+
+void GiQTissueList::setTissues(HxParamBundle* materials, int row)
+{
+    notifyStop();
+    setUpdatesEnabled(false);
+    {
+        // No row is the user's choice while rows come and go.
+        const QSignalBlocker filling(this);
+        bundle = materials;
+        pressRow = -1;
+        items.clear();
+        setRowCount(0);
+        setUpHeader();
+        // A label is a byte: what follows the last one that it can name has no voxels and no entry in the
+        // tables.
+        const int n = bundle ? std::min(bundle->nBundles(), kMaxMaterials) : 0;
+        for (int i = 0; i < n; ++i) addRow();
+        horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        horizontalHeader()->setSectionResizeMode(kName, QHeaderView::Stretch);
+        setCurrentCell(row >= 0 ? row : n - 1, 0);
+    }
+    setUpdatesEnabled(true);
+    selectionChanged();
+}
+
+void GiQTissueList::addRow()
+{
+    const int row = rowCount();
+    insertRow(row);
+    items.push_back(std::make_unique<GiQTissueListItem>(this, row));
+    applyVoid(row);
+}
+
+void GiQTissueList::appendTissue(HxParamBundle*)
+{
+    {
+        const QSignalBlocker filling(this);
+        addRow();
+    }
+    setTissue(rowCount() - 1);
+}
+
+void GiQTissueList::applyVoid(int row)
+{
+    const HxParamBundle* material = bundleOf(row);
+    int isVoid = 0;
+    if (material) material->findNum("void", isVoid);
+    setRowHidden(row, !material || isVoid != 0);
+}
+
+void GiQTissueList::updateMaterialVisibility()
+{
+    for (int row = 0; row < rowCount(); ++row) {
+        if (bundleOf(row)) itemOf(row)->setName(nameOf(row));
+        applyVoid(row);
+    }
+}
+
+// ---- the current material
+
+void GiQTissueList::setTissue(int row)
+{
+    setCurrentCell(row, 0);
+    selectionChanged(); // also when the row was the current one: the tools may stand on another material
+}
+
+void GiQTissueList::selectionChanged()
+{
+    // Not the current row: on the way of a key it is still the former one.
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    const int row = selected.isEmpty() ? currentRow() : selected.first().row();
+    if (gi && row >= 0) gi->currentTissue = row;
+}
+
+bool GiQTissueList::is3D() const
+{
+    if (!gi) return false;
+    return gi->getToolbox() ? gi->getToolbox()->selectionIs3D() : gi->mode3D;
+}
+
+void GiQTissueList::selectVoxels(int row, SelectMode mode)
+{
+    if (gi && bundleOf(row)) gi->selectTissue(row, mode, is3D());
+}
+
+void GiQTissueList::locateTissue(int row)
+{
+    if (gi && bundleOf(row)) gi->locateTissue(row);
+}
+
+bool GiQTissueList::isLocked(int row) const
+{
+    return gi && row >= 0 && row < kMaxMaterials && gi->locked[row];
+}
+
+void GiQTissueList::lock(int row, bool on)
+{
+    if (!gi || !itemOf(row)) return;
+    gi->lockTissue(row, on);
+    itemOf(row)->setLock(on);
+}
+
+void GiQTissueList::lockAll(bool on)
+{
+    for (int row = 1; row < rowCount(); ++row) lock(row, on);
+}
+
+// ---- adding
+
+QByteArray GiQTissueList::freshName() const
+{
+    QByteArray name;
+    for (int k = bundle->nBundles() + 1; k <= kLastMadeName; ++k) {
+        name = QByteArray("Material") + QByteArray::number(k);
+        if (!bundle->bundle(name.constData(), 0)) break;
+    }
+    return name;
+}
+
+void GiQTissueList::fillNewMaterial(HxParamBundle& material, const char* name) const
+{
+    const HxParamBundle* known = HxMatDatabase::getTheDatabase()->materials()->bundle(name, 0);
+    float rgb[3];
+    if (known) {
+        if (!known->findColor(rgb)) return; // its color will be the one that goes with the name
+    } else {
+        const McColor color = bestNewColor();
+        rgb[0] = color.r;
+        rgb[1] = color.g;
+        rgb[2] = color.b;
+    }
+    material.set("Id", bundle->nBundles() + 1);
+    material.setColor(rgb);
+}
+
+void GiQTissueList::addTissue(const char* name)
+{
+    if (!bundle) return;
+    if (bundle->nBundles() >= kMaxMaterials) {
+        HxMessage::getTheMsg()->Info("Maximum number of materials reached.");
+        return;
+    }
+    // A text of which nothing is legal in a name is as good as none.
+    const bool given = name && !cleaned(name).isEmpty();
+    const QByteArray wanted = given ? QByteArray(name) : freshName();
+    auto* material = new HxParamBundle(wanted.constData());
+    fillNewMaterial(*material, wanted.constData());
+    bundle->insert(material);
+    appendTissue(material);
+    updateColors();
+    if (!gi) return;
+    gi->touchData(0, 1, -1, -1, -1, -1);
+    emit gi->materialAdded(gi->labelData);
+}
+
+McColor GiQTissueList::bestNewColor() const
+{
+    McDArray<McColor> present{McColor(0, 0, 0), McColor(1, 1, 1)};
+    HxMatDatabase* database = HxMatDatabase::getTheDatabase();
+    for (int i = 0; bundle && i < bundle->nBundles(); ++i) {
+        const HxParamBundle* material = bundle->bundle(i);
+        float rgb[3];
+        if (material->findColor(rgb))
+            present.append(McColor(rgb[0], rgb[1], rgb[2]));
+        else
+            present.append(database->getColor(material->getName()));
+    }
+    return McColor::mostDifferentColorRGB(present);
+}
+
+// ---- colors
+
+void GiQTissueList::updateColors()
+{
+    if (gi && bundle) GiLabelImage::setColor(gi, *bundle);
+}
+
+void GiQTissueList::refresh3DColor(int row)
+{
+    // The 3D view takes a color over when it is told to use it.
+    if (!useLabelColor || !itemOf(row) || !itemOf(row)->isColor3DButtonChecked()) return;
+    useLabelColor(row, false);
+    useLabelColor(row, true);
+}
+
+void GiQTissueList::editColor(int row)
+{
+    HxParamBundle* material = bundleOf(row);
+    GiQTissueListItem* item = itemOf(row);
+    if (!material || !item) return;
+
+    const QColor present = item->getColor();
+    HxColorEditor editor(this);
+    editor.setAlphaEnabled(false);
+    editor.setColor(present.redF(), present.greenF(), present.blueF(), -1);
+    if (editor.exec()) {
+        const McColor chosen = editor.getColor();
+        const float rgb[3] = {chosen.r, chosen.g, chosen.b};
+        material->setColor(rgb);
+        item->setColor(QColor::fromRgbF(chosen.r, chosen.g, chosen.b));
+        if (gi && gi->labelData) {
+            gi->labelData->touch(HxObject::kAllChanged);
+            emit gi->colorChanged(gi->labelData, row);
+        }
+    }
+    updateColors();
+    refresh3DColor(row);
+    if (gi) gi->redraw();
+}
+
+// ---- names
+
+void GiQTissueList::notifyStop()
+{
+    for (int row = 0; row < rowCount(); ++row)
+        if (QTableWidgetItem* name = item(row, kName)) closePersistentEditor(name);
+}
+
+void GiQTissueList::nameChanged(int row, int column)
+{
+    HxParamBundle* material = bundleOf(row);
+    if (column != kName || !material || !itemOf(row)) return;
+    const QByteArray text = item(row, kName)->text().toLocal8Bit();
+    McString longName;
+    if (material->findString("LongName", longName)) {
+        storeLongName(row, text);
+        notifyStop();
+        return;
+    }
+    const QByteArray former(material->getName());
+    const QByteArray name = cleaned(text).isEmpty() ? cleaned(former) : cleaned(text);
+    itemOf(row)->setName(QString::fromLocal8Bit(name));
+    if (!rename(row, name)) return;
+    if (gi && former != material->getName()) gi->touchData(0, 1, -1, -1, -1, -1);
+    notifyStop();
+    updateColors();
+    refresh3DColor(row);
+    if (gi) gi->redraw();
+}
+
+void GiQTissueList::storeLongName(int row, const QByteArray& text)
+{
+    HxParamBundle* material = bundleOf(row);
+    McString former;
+    material->findString("LongName", former);
+    if (text.isEmpty() || former == text.constData()) {
+        itemOf(row)->setName(nameOf(row)); // a material without any name could not be told from others
+        return;
+    }
+    material->set("LongName", text.constData());
+    if (gi) gi->touchData(0, 1, -1, -1, -1, -1);
+}
+
+/// Gives the material of a row a clean name. False if another has it: then the two were merged, or all is as
+/// it was, and nothing is left to do.
+bool GiQTissueList::rename(int row, const QByteArray& name)
+{
+    HxParamBundle* material = bundleOf(row);
+    HxParamBundle* holder = bundle->bundle(name.constData(), 0);
+    if (holder && holder != material) {
+        mergeInto(row, holder);
+        return false;
+    }
+    if (!holder) {
+        const HxParamBundle* known =
+            HxMatDatabase::getTheDatabase()->materials()->bundle(name.constData(), 0);
+        float rgb[3];
+        if (known && known->findColor(rgb)) {
+            material->setColor(rgb);
+            itemOf(row)->setColor(QColor::fromRgbF(rgb[0], rgb[1], rgb[2]));
+        }
+    }
+    material->setName(name.constData());
+    itemOf(row)->setName(QString::fromLocal8Bit(material->getName()));
+    return true;
+}
+
+void GiQTissueList::mergeInto(int row, HxParamBundle* other)
+{
+    const McString text = McString::printf("A material called \"%s\" already exists.\n\n"
+                                           "Do you want to merge the two materials?",
+                                           other->getName());
+    const bool merge = HxMessage::getTheMsg()->warning(text, "Yes", "No, cancel") == 0;
+    if (!merge) itemOf(row)->setName(nameOf(row));
+    notifyStop();
+    if (merge) removeTissue(row, bundle->index(other));
+}
+
+// ---- deleting
+
+void GiQTissueList::removeTissue()
+{
+    const int row = currentRow();
+    if (row < 1 || !bundleOf(row)) return;
+    const McString text =
+        McString::printf("Are you sure you want to remove material \"%s\" ?\n\n"
+                         "Any such voxels will be assigned to \"%s\".",
+                         nameOf(row).toLocal8Bit().constData(), nameOf(0).toLocal8Bit().constData());
+    if (HxMessage::getTheMsg()->question(text, "OK", "Cancel") == 0) removeTissue(row, 0);
+}
+
+/// The tables of all materials above a deleted one go down with their labels.
+void GiQTissueList::moveTables(int from, int remaining)
+{
+    for (int k = from; k < kLastEntry; ++k) {
+        gi->lockTissue(k, gi->locked[k + 1]);
+        gi->drawStyle2D[k] = gi->drawStyle2D[k + 1];
+        gi->lastDrawStyle2D[k] = gi->lastDrawStyle2D[k + 1];
+        gi->visible3D[k] = gi->visible3D[k + 1];
+    }
+    if (remaining != kLastEntry) return;
+    gi->drawStyle2D[kLastEntry] = gi->lastDrawStyle2D[kLastEntry] = 1;
+    gi->visible3D[kLastEntry] = 0;
+}
+
+// kept: undo knows nothing of this, and its list stays. The entries before still fit the voxels that they
+// hold, if not the names; to lose them all at each deletion was found to be worse.
+void GiQTissueList::removeTissue(int i, int replacement)
+{
+    if (!bundleOf(i) || !bundleOf(replacement) || i == replacement || !itemOf(i)) return;
+    notifyStop();
+    const GiBusy busy("Reordering labels...");
+    const int r = replacement - (replacement > i);
+    if (gi && gi->labelLattice) reorderLabels(*gi->labelLattice, i, r);
+
+    HxParamBundle* material = bundleOf(i);
+    const QByteArray name(material->getName());
+    material->setFlag(HxParamBase::kFixed, 0);
+    bundle->remove(material);
+    {
+        // The row that Qt makes current meanwhile is nobody's choice.
+        const QSignalBlocker removing(this);
+        items.erase(items.begin() + i);
+        removeRow(i);
+    }
+    if (!gi) return setTissue(r);
+
+    const int remaining = bundle->nBundles();
+    moveTables(i, remaining);
+    updateColors();
+    gi->redraw();
+    if (gi->labelLattice && gi->labelLattice->field())
+        gi->labelLattice->field()->touchMinMax(0, static_cast<float>(remaining - 1), 1);
+    setTissue(r);
+    gi->touchData(0, 1, 0, -1, 1, 1);
+    emit gi->materialRemoved(gi->labelData, i, name.constData());
+}
+
+void GiQTissueList::moveTissue(int to)
+{
+    if (!bundleOf(pressRow) || pressRow == 0) return;
+    to = std::clamp(to, 1, bundle->nBundles() - 1);
+    bundle->relocate(pressRow, to);
+    if (gi) gi->touchData(0, 1, -1, -1, -1, -1);
+    setTissues(bundle, to);
+}
+
+// ---- the 3D view
+
+void GiQTissueList::set3DOperations(Operation3D showMaterial, Operation3D colorMaterial)
+{
+    showMaterial3D = std::move(showMaterial);
+    useLabelColor = std::move(colorMaterial);
+    for (const auto& item : items) item->enable3D(bool(showMaterial3D));
+}
+
+void GiQTissueList::set3DVisibility(const bool* visible)
+{
+    for (int row = 0; bundle && row < rowCount(); ++row) itemOf(row)->setShow3D(visible[row]);
+}
+
+void GiQTissueList::set3DUseLabelColor(const bool* used)
+{
+    for (int row = 0; bundle && row < rowCount(); ++row) itemOf(row)->setColor3D(used[row]);
+}
