@@ -9,6 +9,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <span>
+
 class GiViewer;
 
 /// Marks and erases pixels of the current slice by hand.
@@ -74,13 +76,16 @@ private:
     bool currentMaterialOnly() const;
     McBox2i penBox(const McVec2i& centre, int width, int height) const;
     McBox2i startRepaint(GiFrameBuffer& frameBuffer);
-    void handleButton(GiFrameBuffer& frameBuffer, McEvent& event, int pressed, McBox2i& repaint);
     void fillAt(GiFrameBuffer& frameBuffer, const McEvent& event);
+    void press(GiFrameBuffer& frameBuffer, const McEvent& event);
+    void release(GiFrameBuffer& frameBuffer, McEvent& event, McBox2i& repaint);
     void drawStroke(GiFrameBuffer& frameBuffer, const McVec2i& from, const McVec2i& to, int set);
-    void repaintViewers(GiFrameBuffer& frameBuffer, const McBox2i& box);
+    void stampAlong(GiFrameBuffer& frameBuffer, const McBox2i& box, std::span<const McVec2i> places, int set);
+    void repaintViewers(const McBox2i& changed);
     void renderPolygon(GiFrameBuffer& frameBuffer) const;
 
     static constexpr int kNowhere = -9999, kSomewhere = -9998;
+    static constexpr int kLeastWeight = 128; // of the mask; heavier pixels count
 
     int drawing = 0; // the left button is down
     int brushWidth = 25, brushHeight = 25;

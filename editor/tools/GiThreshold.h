@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QPointer>
 
+class GiViewer;
+
 /// Selects all voxels of the volume, or of the current slice, whose value lies in the tool data window. The
 /// range slider of the masking sets that window, so masking is on while the tool is active: it shows what
 /// will be selected.
@@ -31,7 +33,7 @@ public slots:
 private:
     bool allSlices() const { return !allSlicesBox || allSlicesBox->isChecked(); }
     int chosenMaterial() const;
-    void computeSlice(int material);
+    void computeSlice(const GiViewer& viewer, int material);
     void computeVolume(int material);
 
     bool last3D = false; // the last result went over all slices

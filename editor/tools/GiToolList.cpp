@@ -5,8 +5,10 @@
 #include "core/GiNotice.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
+#include "tools/GiBrush.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiPanTool.h"
+#include "tools/GiThreshold.h"
 #include "tools/GiTool.h"
 
 namespace {
@@ -18,8 +20,11 @@ constexpr int kNumTools = 7; // pick region, brush, lasso, magic wand, threshold
 void Gi::createTools()
 {
     for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
+    tools[GiBrush::kIndex] = new GiBrush(this);
+    tools[GiThreshold::kIndex] = new GiThreshold(this);
     panTool = tools[GiPanTool::kIndex] = new GiPanTool(this);
-    panTool->ref();
+    for (int i = 0; i < kNumTools; ++i)
+        if (tools[i]) tools[i]->ref();
     crossHair = new GiCrossHairTool;
     crossHair->ref();
     crossHair->setValueChangedCallback(&Gi::crossHairCBs, this);

@@ -76,6 +76,7 @@ protected:
         buffer = viewer->getFrameBuffer();
         tool = new ListeningTool(&gi, log);
         tool->ref();
+        gi.tools[1]->unref();
         gi.tools[1] = tool;
         a = new Listener("a", log);
         b = new Listener("b", log);

@@ -1,0 +1,401 @@
+// The brush: which pixels it takes, what the mouse does with it, and what is drawn anew.
+
+#include "editor/tools/ToolImage.h"
+#include "editor/tools/ViewerEvents.h"
+
+#include "tools/GiBrush.h"
+
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+
+#include <cmath>
+
+namespace {
+
+/// The rule of the brush, pixel by pixel and stamp by stamp.
+class PlainBrush
+{
+public:
+    PlainBrush(const GiFrameBuffer& frameBuffer, int penSize) : buffer(frameBuffer), size(penSize) {}
+
+    void stamp(const McVec2i& at, bool set)
+    {
+        const int half = size / 2, far = half - (2 * half + 1 > size ? 1 : 0);
+        const int c0 = std::max(column(at.x - half) - 1, 0), r0 = std::max(row(at.y - half) - 1, 0);
+        const int c1 = std::min(column(at.x + far) + 1, width() - 1);
+        const int r1 = std::min(row(at.y + far) + 1, height() - 1);
+        for (int r = r0; r <= r1; ++r)
+            for (int c = c0; c <= c1; ++c)
+                if (isUnder(c, r, at)) change(c, r, set);
+        change(column(at.x), row(at.y), set);
+    }
+
+    void stroke(const McVec2i& from, const McVec2i& to, bool set)
+    {
+        const float dx = static_cast<float>(to.x - from.x), dy = static_cast<float>(to.y - from.y);
+        const int n = static_cast<int>(std::hypot(dy, dx));
+        for (int i = 0; i < n; ++i)
+            stamp(McVec2i(from.x + (to.x - from.x) * i / n, from.y + (to.y - from.y) * i / n), set);
+    }
+
+    std::vector<bool> pixels;
+    std::function<bool(int, int)> allows = [](int, int) { return true; };
+
+private:
+    int width() const { return buffer.originalSize.x; }
+    int height() const { return buffer.originalSize.y; }
+    static int entry(const McDArray<int>& table, int i) { return table[std::clamp(i, 0, table.size() - 1)]; }
+    int column(int x) const { return entry(buffer.originalCoordsX, x - buffer.offset.x); }
+    int row(int y) const { return entry(buffer.originalCoordsY, y - buffer.offset.y); }
+
+    bool isUnder(int c, int r, const McVec2i& at) const
+    {
+        const int px = buffer.zoomedCoordsX[c], py = buffer.zoomedCoordsY[r];
+        const int rx = buffer.replicX[c], ry = buffer.replicY[r];
+        if (GiBrush::squareBrush) {
+            const float w = static_cast<float>(size) * 0.5f;
+            return std::fabs(static_cast<float>(px) + static_cast<float>(rx) * 0.5f -
+                             static_cast<float>(at.x)) <= w &&
+                   std::fabs(static_cast<float>(py) + static_cast<float>(ry) * 0.5f -
+                             static_cast<float>(at.y)) <= w;
+        }
+        const int dx = px + rx / 2 - at.x, dy = py + ry / 2 - at.y;
+        return static_cast<float>(dx * dx + dy * dy) <= static_cast<float>(size * size) * 0.25f;
+    }
+
+    void change(int c, int r, bool set)
+    {
+        if (allows(c, r)) pixels[static_cast<std::size_t>(r * width() + c)] = set;
+    }
+
+    const GiFrameBuffer& buffer;
+    const int size;
+};
+
+std::vector<bool> pixelsOf(GiViewer& viewer)
+{
+    const GiSelection2D& slice = *viewer.getSelection();
+    std::vector<bool> pixels;
+    for (int y = 0; y < static_cast<int>(slice.height); ++y)
+        for (int x = 0; x < static_cast<int>(slice.width); ++x) pixels.push_back(slice.isSet(x, y));
+    return pixels;
+}
+
+GiBrush* activeBrush(DrawnEditor& editor)
+{
+    GiBrush::autoHide = true;
+    GiBrush::squareBrush = false;
+    editor.gi.setTool(GiBrush::kIndex);
+    return dynamic_cast<GiBrush*>(editor.gi.tools[GiBrush::kIndex]);
+}
+
+template <class Event>
+Event with(Event event, bool ctrl, bool alt = false)
+{
+    event.ctrl = ctrl;
+    event.alt = alt;
+    return event;
+}
+
+template <class T>
+class BrushOnImage : public testing::Test
+{
+};
+TYPED_TEST_SUITE(BrushOnImage, ToolImageTypes);
+
+TYPED_TEST(BrushOnImage, strokesEqualThePlainRule)
+{
+    std::mt19937 random(7);
+    DrawnEditor editor(45, 37, 29);
+    editor.setVoxelSize(1, 1.3f, 2.1f);
+    const ToolImage<TypeParam> image(editor, random);
+    for (unsigned long i = 0; i < editor.size(); ++i)
+        editor.labels()[i] = static_cast<unsigned char>(random() % 3);
+    GiBrush* brush = activeBrush(editor);
+    brush->getWidget(nullptr);
+    auto* materialBox = brush->getWidget(nullptr)->template findChild<QCheckBox*>("wCurrentMaterialCheckBox");
+    constexpr float kZooms[] = {0.2f, 0.5f, 1, 1.7f, 3, 6, 21};
+
+    for (int trial = 0; trial < 100; ++trial) {
+        SCOPED_TRACE(trial);
+        const int o = static_cast<int>(random() % 3);
+        GiViewer& viewer = editor.viewer(o);
+        GiMemoryFrameBuffer& buffer = editor.buffer(o);
+        viewer.setFlip(random() & 1, random() & 1, random() & 1);
+        viewer.setZoomFactor(kZooms[random() % 7]);
+        buffer.setWindowSize(
+            McVec2i(30 + static_cast<int>(random() % 90), 30 + static_cast<int>(random() % 90)));
+        buffer.setOffset(McVec2i(static_cast<int>(random() % 40), static_cast<int>(random() % 40)));
+        const int size = 1 + static_cast<int>(random() % (trial % 2 ? 8 : 60));
+        brush->setBrushSize(size);
+        GiBrush::squareBrush = random() & 1;
+        const bool masks = random() & 1, byMaterial = random() & 1;
+        materialBox->setChecked(byMaterial);
+        editor.gi.currentTissue = random() % 10 ? 1 : 300; // no voxel can have that label
+        float window[2];
+        ToolImage<TypeParam>::chooseWindow(random, window);
+        viewer.setMaskingEnabled(masks);
+        viewer.setMaskingWindow(window[0], window[1], false);
+        for (unsigned long i = 0; i < editor.gi.selection->numWords(); ++i)
+            editor.gi.selection->bits.words()[i] = random() & 0x7F;
+
+        PlainBrush plain(buffer, size);
+        plain.pixels = pixelsOf(viewer);
+        plain.allows = [&](int c, int r) {
+            const McVec3i p = editor.gi.getPoint3D(c, r, &viewer);
+            const unsigned long i =
+                (static_cast<unsigned long>(p.z) * editor.dims[1] + static_cast<unsigned long>(p.y)) *
+                    editor.dims[0] +
+                static_cast<unsigned long>(p.x);
+            return (!masks || image.accepts(i, window)) &&
+                   (!byMaterial || editor.labels()[i] == editor.gi.currentTissue);
+        };
+        const auto place = [&] {
+            return McVec2i(static_cast<int>(random() % static_cast<unsigned>(buffer.zoomedSize.x)),
+                           static_cast<int>(random() % static_cast<unsigned>(buffer.zoomedSize.y)));
+        };
+        bool erases = random() & 1;
+        McVec2i at = place();
+        auto press = with(buttonEvent(1, true, at.x, at.y), erases);
+        buffer.handleEvent(&press);
+        plain.stamp(at, !erases);
+        for (int i = 0; i < 4; ++i) {
+            const McVec2i former = at;
+            at = i == 2 ? McVec2i(at.x + at.x % 2, at.y) : place(); // also less than a pixel
+            at.x = std::min(at.x, buffer.zoomedSize.x - 1);
+            if (i == 3) erases = !erases;
+            auto move = with(motionEvent(1, at.x, at.y), erases);
+            buffer.handleEvent(&move);
+            plain.stroke(former, at, !erases);
+        }
+        ASSERT_EQ(pixelsOf(viewer), plain.pixels)
+            << "orientation " << o << ", zoom " << viewer.getZoomFactor() << ", size " << size
+            << (GiBrush::squareBrush ? ", square" : ", disc") << (masks ? ", masked" : "")
+            << (byMaterial ? ", by material" : "");
+        brush->clear(&buffer);
+    }
+}
+
+class Brush : public testing::Test
+{
+protected:
+    Brush() : editor(40, 30, 8), brush(nullptr)
+    {
+        editor.gi.setVolumeByte(editor.dims, 40, image.data(), editor.lattice());
+        brush = activeBrush(editor);
+        brush->setBrushSize(1);
+        editor.gi.setZoomFactor(4);
+        editor.gi.clearUndo(1);
+        editor.gi.touches.clear();
+    }
+
+    int press(int x, int y, bool alt = false, int button = 1)
+    {
+        return send(with(buttonEvent(button, true, x, y), ctrl, alt));
+    }
+    int release(int x, int y, bool alt = false) { return send(with(buttonEvent(1, false, x, y), ctrl, alt)); }
+    int drag(int x, int y, bool alt = false) { return send(with(motionEvent(1, x, y), ctrl, alt)); }
+    int hover(int x, int y) { return send(motionEvent(0, x, y)); }
+    template <class Event>
+    int send(Event event)
+    {
+        const int result = buffer().handleEvent(&event);
+        // What boxes have drawn must be the whole picture.
+        for (int o = 0; o < 3; ++o) {
+            const std::vector<unsigned int> left = pictureOf(editor.buffer(o));
+            editor.buffer(o).render(nullptr);
+            EXPECT_TRUE(pictureOf(editor.buffer(o)) == left) << "viewer " << o;
+        }
+        return result;
+    }
+    GiMemoryFrameBuffer& buffer() { return editor.buffer(2); }
+    bool isSet(int x, int y) { return editor.viewer(2).getSelection()->isSet(x, y); }
+    long count()
+    {
+        const auto pixels = pixelsOf(editor.viewer(2));
+        return std::count(pixels.begin(), pixels.end(), true);
+    }
+    long whitePixels()
+    {
+        const auto pixels = pictureOf(buffer());
+        return std::count(pixels.begin(), pixels.end(), 0xFFFFFFu);
+    }
+
+    DrawnEditor editor;
+    std::vector<unsigned char> image = std::vector<unsigned char>(40 * 30 * 8, 0);
+    GiBrush* brush;
+    bool ctrl = false;
+};
+
+TEST_F(Brush, aStrokeRunsFromThePressUpToItsLastPoint)
+{
+    press(2, 2);
+    EXPECT_EQ(count(), 1);
+    drag(40, 2); // the first column of pixel 10
+    EXPECT_EQ(count(), 10) << "the last point is the next part's first";
+    EXPECT_FALSE(isSet(10, 0));
+    drag(40, 2);
+    EXPECT_EQ(count(), 10) << "no step, no stamp";
+    editor.gi.touches.clear();
+    release(40, 2);
+    EXPECT_EQ(editor.gi.touches, (std::vector<TestGi::Touch>{{1, 0, 2, 3, 0, 0}}));
+    EXPECT_EQ(editor.gi.undoActions.size(), 1);
+    EXPECT_EQ(editor.viewer(2).getSelection()->selectionBox, McBox2i(0, 0, 9, 0));
+    editor.gi.undo();
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(Brush, theCentreOfAPixelDecides)
+{
+    brush->setBrushSize(25);
+    press(82, 62); // the centre of pixel (20, 15)
+    EXPECT_TRUE(isSet(23, 15)) << "its centre is 12 pixels off";
+    EXPECT_FALSE(isSet(24, 15)) << "its left border is 14 pixels off, its centre 16";
+    EXPECT_TRUE(isSet(22, 17));
+    EXPECT_FALSE(isSet(23, 17));
+}
+
+TEST_F(Brush, controlErasesFromWhereItIsHeld)
+{
+    press(2, 2);
+    drag(40, 2);
+    ctrl = true;
+    drag(24, 2);
+    EXPECT_EQ(count(), 6) << "pixels 9 to 6 are gone";
+    EXPECT_EQ(editor.gi.undoActions.size(), 1);
+}
+
+TEST_F(Brush, aPolygonIsDrawnWhenTheButtonIsReleasedWithoutAlt)
+{
+    press(2, 2, true);
+    release(2, 2, true);
+    drag(22, 10, true);
+    EXPECT_EQ(count(), 0) << "Alt keeps the pen up";
+    EXPECT_TRUE(editor.gi.touches.empty());
+    hover(30, 30);
+    press(40, 2, true);
+    release(40, 2, true);
+    hover(44, 20);
+    press(40, 40);
+    EXPECT_EQ(count(), 0);
+    release(40, 40);
+    EXPECT_EQ(count(), 20) << "two sides; the third is open";
+    EXPECT_TRUE(isSet(0, 0) && isSet(9, 0) && isSet(10, 0) && isSet(10, 9));
+    EXPECT_FALSE(isSet(10, 10)) << "a side ends before its last point";
+    EXPECT_EQ(editor.gi.undoActions.size(), 3) << "one step for each press";
+    EXPECT_EQ(editor.gi.touches.size(), 1u);
+    EXPECT_EQ(editor.viewer(2).getSelection()->selectionBox, McBox2i(0, 0, 10, 9));
+}
+
+TEST_F(Brush, leavingForgetsThePolygonAndAStrokeGoesOnFromWhereItComesBack)
+{
+    const std::vector<unsigned int> before = pictureOf(buffer());
+    press(2, 2, true);
+    hover(60, 60);
+    send(McLeaveWindowEvent());
+    EXPECT_EQ(pictureOf(buffer()), before);
+    press(2, 2);
+    drag(-1, 2);
+    drag(42, 42);
+    EXPECT_EQ(count(), 2) << "the press, and a stamp where the pointer has come back";
+}
+
+TEST_F(Brush, theRightButtonFills)
+{
+    brush->setBrushSize(40);
+    hover(80, 60);
+    editor.viewer(2).getSelection()->set(5, 5);
+    EXPECT_EQ(press(22, 22, false, 3), 1); // pixel (5, 5)
+    EXPECT_EQ(count(), 1) << "a selected pixel has no open region around it";
+    const long undoSteps = editor.gi.undoActions.size();
+    press(42, 42, false, 3);
+    EXPECT_EQ(count(), 40 * 30);
+    EXPECT_EQ(editor.gi.undoActions.size(), undoSteps + 1);
+}
+
+TEST_F(Brush, theOutlineFollowsThePointerOfLargePensAndHidesWhilePainting)
+{
+    brush->setBrushSize(3);
+    hover(60, 60);
+    EXPECT_EQ(whitePixels(), 0);
+    for (const bool square : {false, true}) {
+        GiBrush::squareBrush = square;
+        brush->setBrushSize(4);
+        hover(62, 60);
+        EXPECT_GT(whitePixels(), 0);
+    }
+    brush->setBrushSize(30);
+    const std::vector<unsigned int> beside = pictureOf(editor.buffer(1));
+    hover(80, 60);
+    hover(110, 70);
+    EXPECT_TRUE(pictureOf(editor.buffer(1)) == beside) << "no other viewer shows it";
+    GiBrush::autoHide = false;
+    drag(111, 70);
+    EXPECT_GT(whitePixels(), 0);
+    GiBrush::autoHide = true;
+    drag(112, 70);
+    EXPECT_EQ(whitePixels(), 0);
+    hover(113, 70);
+    auto pan = buttonEvent(2, true, 60, 60);
+    buffer().handleEvent(&pan);
+    EXPECT_EQ(whitePixels(), 0) << "it goes when the slice is panned";
+    hover(113, 70);
+    editor.gi.setTool(-1);
+    EXPECT_EQ(whitePixels(), 0) << "and with the tool";
+}
+
+TEST_F(Brush, itsPanelSetsItUp)
+{
+    QWidget window;
+    QWidget* panel = brush->getWidget(&window);
+    EXPECT_EQ(brush->getWidget(nullptr), panel);
+    auto* slider = panel->findChild<QSlider*>("wSizeSlider");
+    auto* field = panel->findChild<QSpinBox*>("wSizeSpinBox");
+    const auto click = [&](const char* name) {
+        auto* button = panel->findChild<QAbstractButton*>(name);
+        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
+        return button;
+    };
+    window.show();
+    slider->setValue(200);
+    EXPECT_EQ(brush->getBrushSize(), 200);
+    field->selectAll();
+    QTest::keyClicks(field, "300");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(brush->getBrushSize(), 300);
+    EXPECT_EQ(slider->value(), 200);
+    click("wSquareButton");
+    EXPECT_TRUE(GiBrush::squareBrush);
+    click("wCircleButton");
+    EXPECT_FALSE(GiBrush::squareBrush);
+    EXPECT_FALSE(click("wHideBrushCheckBox")->isChecked());
+    EXPECT_FALSE(GiBrush::autoHide);
+}
+
+TEST_F(Brush, theMorphologicalModeGrowsByTheBrightestNeighbour)
+{
+    image[40 * 30 * 3 + 40 * 10 + 11] = 90;  // right of the seed
+    image[40 * 30 * 3 + 40 * 9 + 10] = 120;  // above it, not under a heavy part of the pen
+    image[40 * 30 * 3 + 40 * 12 + 12] = 200; // no neighbour
+    editor.viewer(2).setDataWindow(0, 255, true);
+    editor.viewer(2).getSelection()->set(10, 10);
+    std::vector<unsigned char> weights(5 * 5, 255);
+    weights[1 * 5 + 2] = 128;
+    brush->brushMask = weights.data();
+    brush->imageWidth = 40;
+    brush->imageHeight = 30;
+    brush->setBrushSize(5);
+    GiBrush::morphologicalMode = 1;
+    brush->putBrush2(&buffer(), McVec2i(42, 42), 1, 1);
+    EXPECT_EQ(count(), 1);
+    brush->putBrush(&buffer(), McVec2i(42, 42), 1);
+    EXPECT_EQ(count(), 2);
+    EXPECT_TRUE(isSet(11, 10));
+    brush->imageWidth = 39;
+    brush->putBrush(&buffer(), McVec2i(42, 42), 1);
+    EXPECT_EQ(count(), 2) << "a mask for another slice";
+    GiBrush::morphologicalMode = 0;
+}
+
+} // namespace
