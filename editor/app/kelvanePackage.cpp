@@ -2,6 +2,7 @@
 
 #include "app/GiScriptCommands.h"
 #include "app/GiViewCommands.h"
+#include "app/GiWidgetCommands.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
 #include "hx/HxPackage.h"
@@ -17,6 +18,7 @@ void vorelpackage_kelvane_init()
     HxGiEditor::initClass();
     giAddScriptCommands();
     giAddViewCommands();
+    giAddWidgetCommands();
 }
 
 void vorelpackage_kelvane_finish() {} // the editor goes with the pool's objects
