@@ -126,7 +126,7 @@ private:
     bool ready;
     bool overScrollBar = false; // the cursor tells of arrows or tick
     bool draggingScrollBar = false;
-    int grab = 0; // from the tick to the pointer, while it is dragged
+    int grabOffset = 0; // from the tick to the pointer, while it is dragged
     QCursor savedCursor;
     Qt::MouseButtons heldButtons; // at the last event of the mouse
     QTimer wheelTimer;

@@ -160,7 +160,7 @@ bool GiQFrameBuffer::pressOnBar(const QPoint& p)
     if (draggingScrollBar || !overScrollBar || numSlices() < 2) return false;
     // kept: the tick is painted with one slice less in the divisor. It jumps by less than its share of a
     // slice when it is grabbed, and stays under the hand from then on.
-    grab = p.x() - (barLength() * slice() / numSlices() + kBarStart);
+    grabOffset = p.x() - (barLength() * slice() / numSlices() + kBarStart);
     draggingScrollBar = true;
     setBrowsing(true);
     return true;
@@ -168,7 +168,7 @@ bool GiQFrameBuffer::pressOnBar(const QPoint& p)
 
 int GiQFrameBuffer::draggedSlice(const QPoint& p) const
 {
-    const float place = static_cast<float>(p.x() - grab - kBarStart) / static_cast<float>(barLength());
+    const float place = static_cast<float>(p.x() - grabOffset - kBarStart) / static_cast<float>(barLength());
     return std::max(0, static_cast<int>(place * static_cast<float>(numSlices() - 1) + 0.5f));
 }
 
