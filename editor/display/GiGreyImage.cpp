@@ -44,6 +44,7 @@ struct Window
 constexpr std::size_t kLanes = 8;
 using Floats = float __attribute__((vector_size(kLanes * 4)));
 using Ints = int __attribute__((vector_size(kLanes * 4)));
+using Words = unsigned int __attribute__((vector_size(kLanes * 4)));
 using Bytes = unsigned char __attribute__((vector_size(kLanes)));
 
 constexpr std::size_t roundedUp(std::size_t n)
@@ -71,10 +72,10 @@ void shade(const float* values, std::size_t n, float scale, float bias, unsigned
         const Floats t = scale * v + bias;
         Floats limited = t > none ? t : none; // also for NaN
         limited = (limited < most ? limited : most) + kRounder;
-        Ints g;
+        Words g;
         std::memcpy(&g, &limited, sizeof g);
         g &= 255;
-        const Ints pixels = g * 0x01010101;
+        const Words pixels = g * 0x01010101u;
         const Bytes bytes = __builtin_convertvector(g, Bytes);
         if (n - i >= kLanes) {
             std::memcpy(packed + i, &pixels, sizeof pixels);
@@ -123,7 +124,8 @@ void lookUp(const int* places, std::size_t n, const unsigned int* pixels, unsign
 // How far ahead memory is asked for, where no hardware guesses what comes next: in a slice along the
 // slices of the volume each row lies far from the former one, and in one across its rows each element lies
 // in a cache line of its own. An address beyond the volume is asked for in vain, which harms nothing.
-constexpr long kRowsAhead = 4, kElementsAhead = 32; // half and twice as far were slower, see bench/display
+constexpr long kRowsAhead = 4;      // of 512 bytes: about as long as an answer takes
+constexpr long kElementsAhead = 32; // twice as far was slower, see bench/display
 constexpr long kCacheLine = 64;
 
 /// One row of elements as floats.

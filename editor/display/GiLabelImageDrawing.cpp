@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int kStyleKey = 'd';
-constexpr long kColumnsAhead = 32; // half and twice as far were slower, see bench/display
+constexpr long kColumnsAhead = 32; // twice as far was slower, see bench/display
 
 class LabelRows : public GiByteRows
 {

@@ -11,8 +11,11 @@
 class DrawnEditor
 {
 public:
-    DrawnEditor(unsigned long nx, unsigned long ny, unsigned long nz)
-        : dims{nx, ny, nz}, field(new HxUniformLabelField3(dims)), gi(0)
+    DrawnEditor(unsigned long nx, unsigned long ny, unsigned long nz,
+                int coordKind = HxLatticeCoords::kUniform)
+        : dims{nx, ny, nz},
+          field((new HxLabelLattice3(new HxLatticeCoords(coordKind, dims)))->create()),
+          gi(0)
     {
         for (int o = 0; o < 3; ++o) {
             auto* viewer = new GiMemoryViewer("viewer", &gi);
@@ -46,7 +49,7 @@ public:
     }
 
     const unsigned long dims[3];
-    McHandle<HxUniformLabelField3> field;
+    McHandle<HxLabelField3> field;
     TestGi gi;
 };
 

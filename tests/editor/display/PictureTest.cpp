@@ -41,6 +41,14 @@ protected:
         }
     }
 
+    /// Slices of a stack at any distance from each other.
+    void spreadSlices(DrawnEditor& editor)
+    {
+        std::vector<float> z{real(-5, 5)};
+        while (z.size() < editor.dims[2]) z.push_back(z.back() + real(0.1f, 4));
+        editor.lattice()->coords()->setZPositions(z.data());
+    }
+
     template <class T>
     void bindImage(DrawnEditor& editor, std::vector<T>& image)
     {
@@ -133,8 +141,10 @@ protected:
         for (int round = 0; round < 30; ++round) {
             DrawnEditor editor(static_cast<unsigned long>(number(1, 40)),
                                static_cast<unsigned long>(number(1, 25)),
-                               static_cast<unsigned long>(number(2, 20)));
+                               static_cast<unsigned long>(number(2, 20)),
+                               chance(30) ? HxLatticeCoords::kStacked : HxLatticeCoords::kUniform);
             editor.setVoxelSize(real(0.4f, 2), real(0.4f, 2), real(0.4f, 4));
+            if (editor.lattice()->coords()->kind() == HxLatticeCoords::kStacked) spreadSlices(editor);
             std::vector<T> image;
             bindImage(editor, image);
             paintLabels(editor);
