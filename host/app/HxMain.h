@@ -5,17 +5,15 @@
 class HxConsole;
 class HxData;
 class HxMainWorkArea;
-class HxObject;
 class HxSubApplication;
 class HxWorkspace;
 class QActionGroup;
 class QDockWidget;
 class QMenu;
-class QSplitter;
 class QStackedLayout;
 class QxViewerPanel;
 
-/// The main window: a column of tool panels at the left, viewers at the right, the console below.
+/// The main window: a column of tool panels beside the viewers, the console below these.
 ///
 /// Tool panels and viewer areas are stacks whose page 0 is the host's own: the workspace, and the main viewer
 /// panel. Sub-applications and editors add their pages. Exists from the start of the program to its end, also
@@ -43,10 +41,10 @@ public:
 
     /// Saves to the object's file, or asks for one when there is none that can be written. Returns false,
     /// having told the person why, when it is not saved, also when the person cancels.
-    bool saveData(HxData* data);
+    bool saveData(HxData* object);
 
     /// Asks for the file first.
-    bool saveDataAs(HxData* data);
+    bool saveDataAs(HxData* object);
 
     /// That of the normal window.
     QxViewerPanel* viewerPanel() const { return panel; }
@@ -55,20 +53,17 @@ public:
     HxWorkspace* workspace() const { return objects; }
     HxMainWorkArea* workArea() const { return area; }
 
-    /// Questions and errors become dialogs, messages go to the console pane; for runs with a display.
+    /// Questions and errors become dialogs, messages also go to the console pane; for runs with a display.
     void takeMessages();
 
     /// Reads data files, each an object of its own, and runs those that are scripts. What fails is told in
     /// one dialog.
     void openFiles(const QStringList& paths);
 
-public slots:
-    void open();
-    void openAsLabels();
-    void openSeries();
-    void save();
-    void saveAs();
-    void showPreferences();
+    /// Puts a file on top of those used last.
+    void rememberFile(const QString& path);
+
+    QSize sizeHint() const override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -76,36 +71,44 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    void makeColumns();
+    void makeToolColumn();
+    void makeViewers();
     void makeConsole();
-    void makeModes();
     void makeFileMenu();
     void makeObjectMenu();
     void makeViewMenu();
     void makeHelpMenu();
+    void makeModes();
     void switchMode(HxSubApplication* application);
-    void enterMode(const char* className);
+    void enterMode(const QString& className);
+    void open();
+    void openAsLabels();
+    void openSeries();
     bool load(const QStringList& paths, bool asLabels, QString& error);
-    void remember(const QString& path);
+    bool run(const QString& script, QString& error);
+    bool write(HxData* object, const QString& path);
     void fillRecentFiles();
     void updateActions();
-    void showHelp();
+    HxData* dataToSave() const;
+    void compute();
     void showAbout();
     void restoreWindow();
     void storeWindow();
-    HxData* dataToSave() const;
 
-    QSplitter* columns = nullptr;
     QStackedLayout* toolPanels = nullptr;
     QStackedLayout* viewerAreas = nullptr;
+    QDockWidget* toolDock = nullptr;
     HxWorkspace* objects = nullptr;
     HxMainWorkArea* area = nullptr;
     HxConsole* consoleView = nullptr;
     QDockWidget* consoleDock = nullptr;
     QxViewerPanel* panel = nullptr;
     QActionGroup* modes = nullptr;
+    QMenu* fileMenu = nullptr;
     QMenu* recentFiles = nullptr;
     QMenu* objectMenu = nullptr;
+    QMenu* viewMenu = nullptr;
+    QAction* openAction = nullptr;
     QAction* saveAction = nullptr;
     QAction* saveAsAction = nullptr;
 };

@@ -5,6 +5,8 @@
 
 #include <functional>
 
+class HxData;
+
 /// Base of the full-window modes. At most one runs at a time; without one the normal window shows.
 class HxSubApplication : public HxBase
 {
@@ -16,6 +18,9 @@ public:
     /// pages and back; a derived class calls them last.
     virtual void onStart();
     virtual void onStop();
+
+    /// The object that a person means by "save" in this mode, null when there is none.
+    virtual HxData* currentData() { return nullptr; }
 
     static void initClass();
     static McTypeId getClassTypeId();

@@ -39,13 +39,15 @@ const char* HxCommandLine::usage()
            "\n"
            "Loads data files and runs files that end in .hx or .tcl, in the given order.\n"
            "\n"
-           "  --headless          no windows\n"
+           "  --headless          without a window or a display\n"
            "  --eval TCL          runs a script after the files; may be repeated\n"
            "  --preferences FILE  reads and writes the preferences here\n"
            "  --version           prints the version\n"
            "  --help              prints this text\n"
            "\n"
-           "Without files and scripts, commands are read from standard input.\n"
+           "Opens a window; with --headless it runs to the end of the files and scripts instead, and "
+           "without\n"
+           "any it reads commands from standard input.\n"
            "The exit code is 0, 1 after a failed file or script, 2 after a wrong option, or that of "
            "`quit`.\n";
 }

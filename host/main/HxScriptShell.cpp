@@ -10,21 +10,12 @@
 #include <unistd.h>
 #include <utility>
 
-namespace {
-
-constexpr int kTclEventsMs = 20; // well below what a person notices, and next to no work
-
-} // namespace
-
 HxScriptShell::HxScriptShell()
     : notifier(STDIN_FILENO, QSocketNotifier::Read),
+      tclEvents([this](int code) { end(code); }),
       interactive(isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
 {
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [this] { readMore(); });
-    // Tcl waits for events in a loop of its own, which never runs beside that of Qt; it is asked now and
-    // then.
-    QObject::connect(&tclEvents, &QTimer::timeout, &tclEvents, [this] { runTclEvents(); });
-    tclEvents.start(kTclEventsMs);
 }
 
 int HxScriptShell::run()
@@ -51,16 +42,6 @@ void HxScriptShell::readMore()
         takeLine(line);
     }
     if (!ended) notifier.setEnabled(true);
-}
-
-void HxScriptShell::runTclEvents()
-{
-    HxInterpreter* interpreter = HxInterpreter::getTheInterpreter();
-    // A command that waits in a Qt loop is still running; another script must not begin inside it.
-    if (ended || Tcl_InterpActive(interpreter->tcl())) return;
-    while (!interpreter->quitCode() && Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT)) {
-    }
-    if (interpreter->quitCode()) end(*interpreter->quitCode());
 }
 
 void HxScriptShell::takeLine(const std::string& line)

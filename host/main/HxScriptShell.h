@@ -1,14 +1,15 @@
 #pragma once
 
+#include "main/HxTclEvents.h"
+
 #include <QSocketNotifier>
-#include <QTimer>
 
 #include <string>
 
 /// Runs Tcl commands from standard input while the Qt event loop runs, and ends that loop at the end of the
 /// input, at `quit`, and, unless a person types, at the first error.
 ///
-/// Between commands it also runs what scripts have put off with `after` or `fileevent`.
+/// Between commands it also runs what scripts have put off; see HxTclEvents.
 ///
 /// A person at a terminal gets a prompt, results and messages; input from a file or a pipe gets no echo.
 class HxScriptShell
@@ -21,7 +22,6 @@ public:
 
 private:
     void readMore();
-    void runTclEvents();
     void takeLine(const std::string& line);
     void evaluate();
     void prompt() const;
@@ -29,7 +29,7 @@ private:
     void end(int code);
 
     QSocketNotifier notifier;
-    QTimer tclEvents;
+    HxTclEvents tclEvents;
     const bool interactive;
     bool ended = false;
     std::string input;   // read but not yet a whole line

@@ -1,3 +1,6 @@
+#include "app/HxMain.h"
+#include "app/HxMainWorkArea.h"
+#include "app/HxWindowCommands.h"
 #include "hx/HxClassRegistry.h"
 #include "hx/HxInterpreter.h"
 #include "hx/HxMatDatabase.h"
@@ -13,11 +16,15 @@
 #include "main/HxCommandLine.h"
 #include "main/HxDataCommands.h"
 #include "main/HxScriptShell.h"
+#include "main/HxTclEvents.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QTimer>
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <tcl.h>
 #include <unistd.h>
 
@@ -26,6 +33,49 @@ namespace {
 constexpr int kFailed = 1;
 constexpr int kWrongOption = 2;
 constexpr const char* kMaterialsFile = "materials.txt";
+constexpr const char* kNoDisplay = "there is no display for a window; --headless runs scripts without one";
+
+/// Progress as a line of the terminal. The buttons are those of the window that nobody sees: scripts press
+/// them.
+class TerminalWorkArea : public HxTerminalProgress
+{
+public:
+    explicit TerminalWorkArea(HxWorkAreaView* hiddenView) : hidden(hiddenView) {}
+    QAbstractButton* mainButton() override { return hidden->mainButton(); }
+    QAbstractButton* neighbourButton() override { return hidden->neighbourButton(); }
+
+private:
+    HxWorkAreaView* hidden;
+};
+
+/// Whether a window can be expected to open: a display, or a platform that was asked for by name.
+bool hasDisplay()
+{
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(name)) return true;
+    return false;
+}
+
+/// Qt ends the process when the display does not answer; it is to say so like other errors.
+void reportStart(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    std::fprintf(stderr, "vorel: %s\n", qPrintable(text));
+    if (type != QtFatalMsg) return;
+    std::fprintf(stderr, "vorel: %s.\n", kNoDisplay);
+    std::fflush(stderr);
+    _exit(kFailed);
+}
+
+std::unique_ptr<QApplication> makeApplication(int& argc, char** argv, bool headless)
+{
+    if (headless) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QtMessageHandler former = headless ? nullptr : qInstallMessageHandler(reportStart);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    if (!headless) qInstallMessageHandler(former);
+    QApplication::setApplicationDisplayName("Vorel");
+    QApplication::setApplicationVersion(VOREL_VERSION);
+    return application;
+}
 
 /// False if the file that was asked for holds no preferences.
 bool chooseSettings(const HxCommandLine& commandLine)
@@ -64,6 +114,7 @@ void registerEverything()
     hxRegisterFileFormats();
     hxRegisterDataCommands();
     hxRegisterApplicationCommands();
+    hxRegisterWindowCommands();
     loadMaterials();
     HxPackage::start();
 }
@@ -85,13 +136,13 @@ int loadData(const std::string& file, McString& result)
 }
 
 /// Runs what the command line names. Returns the exit code; 0 unless something failed or asked to quit.
-int runArguments(const HxCommandLine& commandLine)
+int runArguments(const HxCommandLine& commandLine, const std::function<void(const char* message)>& report)
 {
     HxInterpreter* interpreter = HxInterpreter::getTheInterpreter();
     McString result;
     const auto failed = [&](int code, const McString& message) {
         if (code != TCL_ERROR || interpreter->quitCode()) return false;
-        std::fprintf(stderr, "%s\n", message.c_str());
+        report(message);
         return true;
     };
     for (const std::string& file : commandLine.files) {
@@ -119,6 +170,38 @@ void shutDown()
     HxSettingsMgr::getInstance()->write();
 }
 
+int runWithoutWindow(const HxCommandLine& commandLine)
+{
+    TerminalWorkArea progress(HxMain::getTheMain()->workArea());
+    if (isatty(STDERR_FILENO)) HxWorkArea::getTheWorkArea()->setView(&progress);
+    const bool nothingToRun = commandLine.files.empty() && commandLine.scripts.empty();
+    const int code =
+        nothingToRun
+            ? HxScriptShell().run()
+            : runArguments(commandLine, [](const char* message) { std::fprintf(stderr, "%s\n", message); });
+    shutDown();
+    HxWorkArea::getTheWorkArea()->setView(nullptr);
+    return code;
+}
+
+/// Opens the window, runs what the command line names, and leaves the rest to the person.
+int runWindow(const HxCommandLine& commandLine)
+{
+    HxMain* window = HxMain::getTheMain();
+    window->takeMessages();
+    window->show();
+    const HxTclEvents tclEvents([](int code) { QCoreApplication::exit(code); });
+    QTimer::singleShot(0, window, [&commandLine] {
+        runArguments(commandLine, [](const char* message) {
+            HxMessage::getTheMsg()->printf("%s", message);
+            HxMessage::getTheMsg()->error("%s", message);
+        });
+    });
+    const int code = QApplication::exec();
+    shutDown();
+    return code;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -134,17 +217,17 @@ int main(int argc, char** argv)
         return 0;
     }
 
-    QCoreApplication application(argc, argv);
-    HxTerminalProgress progress;
-    if (isatty(STDERR_FILENO)) HxWorkArea::getTheWorkArea()->setView(&progress);
+    if (!commandLine.headless && !hasDisplay()) {
+        std::fprintf(stderr, "vorel: %s.\n", kNoDisplay);
+        return kFailed;
+    }
+
+    const auto application = makeApplication(argc, argv, commandLine.headless);
     HxWorkArea::catchSignals();
     HxInterpreter::getTheInterpreter();
     if (!chooseSettings(commandLine)) return kFailed;
     registerEverything();
-
-    const bool nothingToRun = commandLine.files.empty() && commandLine.scripts.empty();
-    const int code = nothingToRun ? HxScriptShell().run() : runArguments(commandLine);
-    shutDown();
-    HxWorkArea::getTheWorkArea()->setView(nullptr);
-    return code;
+    // Ends before the application object.
+    const auto window = std::make_unique<HxMain>();
+    return commandLine.headless ? runWithoutWindow(commandLine) : runWindow(commandLine);
 }

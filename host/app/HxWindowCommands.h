@@ -1,0 +1,4 @@
+#pragma once
+
+/// Registers the script commands of the main window: menu, windowSnapshot.
+void hxRegisterWindowCommands();
