@@ -1,6 +1,7 @@
 #include "io/HxVolume.h"
 
 #include "io/HxFileError.h"
+#include "mc/McMemory.h"
 
 #include <algorithm>
 #include <cmath>
@@ -186,6 +187,7 @@ HxVolume::HxVolume(const std::string& file, const unsigned long* size, HxFileTyp
     memory.reset(std::malloc(total));
     if (!memory)
         throw HxFileError(file, "not enough memory for " + std::to_string(total) + " bytes of voxels");
+    mcPreferLargePages(memory.get(), total);
 }
 
 void HxVolume::toHostType(const std::string& file)
