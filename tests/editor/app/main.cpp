@@ -1,5 +1,6 @@
 #include "app/HxMain.h"
 #include "hx/HxSettingsMgr.h"
+#include "io/HxFileFormats.h"
 
 #include <QApplication>
 #include <gtest/gtest.h>
@@ -27,6 +28,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     qInstallMessageHandler(failOnWarnings);
     HxSettingsMgr::getInstance()->useMemoryStore();
+    hxRegisterFileFormats();
     HxMain window;
     vorelpackage_kelvane_init();
     return RUN_ALL_TESTS();
