@@ -5,4 +5,4 @@ class HxGiEditor kelvane
 class HxGiSubApplication kelvane
 
 editor HxGiEditor HxMutableLabelLattice
-subApplication HxGiSubApplication "Segmentation" SegMagicWandIcon.png
+subApplication HxGiSubApplication "Segmentation" HxSegmentation.png

@@ -1,0 +1,54 @@
+# Makes the pictures of the user's guide: an atlas over its MRI, a stroke of the brush, the masking.
+#
+#   scripts/guide-pictures
+#
+# The pictures go to the folder out/guide, or to the one that the environment variable VOREL_OUT names.
+
+set data [expr {[info exists env(VOREL_DATA)] ? $env(VOREL_DATA) : "/usr/share/mricron/templates"}]
+set out [expr {[info exists env(VOREL_OUT)] ? $env(VOREL_OUT) : "out/guide"}]
+file mkdir $out
+
+set image [load $data/ch2.nii.gz]
+set labels [load -labels $data/aal.nii.gz]
+set empty [newLabels $image]
+segment $labels $image
+
+# Lines of "label name code".
+set table [open $data/aal.nii.txt r]
+while {[gets $table line] >= 0} {
+    if {[scan $line "%d %s" label name] == 2} { material $label name $name }
+}
+close $table
+
+# The whole window, in three orientations, with the left hippocampus selected and current.
+segment $empty $image
+segment $labels $image
+view 2 event key v
+view 2 event key 6
+view 2 event key 1
+gi setCrossHairLocationIndex 64 106 58
+toolbox widget currentSliceRadioButton click
+gi selectMaterial2 37
+view 2 event key ,
+view 2 event key .
+view 2 event move 64 106
+windowSnapshot $out/window.png
+
+# A stroke of the brush in an axial slice, as the mouse would draw it.
+segment $empty $image
+view 2 event key 6
+view 2 slice 58
+view 2 size 420 420
+view 2 event key 1
+tool 1 widget wSizeSpinBox 16
+view 2 event press 70 150 left
+foreach {i j} {66 140 64 130 68 120 76 114 86 112} { view 2 event move $i $j left }
+view 2 event release 86 112 left
+view 2 event leave
+view 2 snapshot $out/brush.png
+
+# Masking shows what it lets through.
+gi clear 3d
+gi setToolDataWindow 95 255
+toolbox widget wEnableMaskingCheckBox 1
+view 2 snapshot $out/masking.png
