@@ -81,7 +81,7 @@ void makeModule(const std::string& className, HxObject* input, HxWorkspace& work
 
 void fillModules(QMenu& menu, HxObject* object, HxWorkspace& workspace)
 {
-    QMenu* modules = menu.addMenu(QIcon(HxResource::readIcon("HxModule.png")), QObject::tr("Compute"));
+    QMenu* modules = menu.addMenu(HxResource::readIcon("HxModule.png"), QObject::tr("Compute"));
     if (object)
         for (const HxPackage::Module& module : HxPackage::modules())
             for (const std::string& type : module.inputTypes)
@@ -130,7 +130,8 @@ void hxFillObjectMenu(QMenu& menu, HxObject* object, HxWorkspace& workspace)
     const McHandle<HxObject> kept(object);
     const McHandle<HxData> data(dynamic_cast<HxData*>(object));
     const auto add = [&menu](const char* icon, const QString& text, bool enabled, auto&& run) {
-        QAction* action = menu.addAction(HxResource::readIcon(icon), text, std::forward<decltype(run)>(run));
+        QAction* action = menu.addAction(icon ? HxResource::readIcon(icon) : QIcon(), text,
+                                         std::forward<decltype(run)>(run));
         action->setEnabled(enabled);
         return action;
     };
@@ -142,7 +143,7 @@ void hxFillObjectMenu(QMenu& menu, HxObject* object, HxWorkspace& workspace)
     menu.addSeparator();
     add("HxSave.png", QObject::tr("Save"), data, [data] { HxMain::getTheMain()->saveData(data); });
     add("HxSave.png", QObject::tr("Save As..."), data, [data] { HxMain::getTheMain()->saveDataAs(data); });
-    add("", QObject::tr("Rename"), object, [kept, &workspace] { workspace.rename(kept); });
+    add(nullptr, QObject::tr("Rename"), object, [kept, &workspace] { workspace.rename(kept); });
     menu.addSeparator();
     add("HxRemove.png", QObject::tr("Remove"), object, [kept] { hxRemoveByPerson(kept); });
 }

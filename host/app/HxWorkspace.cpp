@@ -26,6 +26,8 @@
 namespace {
 
 constexpr int kObjectRole = Qt::UserRole;
+constexpr int kListHeight = 320; // of the first layout; the two keep their proportion
+constexpr int kDetailsHeight = 280;
 
 HxObject* objectOf(const QListWidgetItem* item)
 {
@@ -92,6 +94,7 @@ HxWorkspace::HxWorkspace(QWidget* parent)
     halves->addWidget(upper);
     halves->addWidget(lower);
     halves->setChildrenCollapsible(false);
+    halves->setSizes({kListHeight, kDetailsHeight});
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(halves);

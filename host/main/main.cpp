@@ -66,12 +66,20 @@ void reportStart(QtMsgType type, const QMessageLogContext&, const QString& text)
     _exit(kFailed);
 }
 
+/// Without a display Qt remarks on what a display would have: a folder of the session, a window manager. In
+/// a script's output they are noise; all else goes where it would go.
+void dropDisplayRemarks(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (text.contains("XDG_RUNTIME_DIR") || text.startsWith("This plugin does not support")) return;
+    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+}
+
 std::unique_ptr<QApplication> makeApplication(int& argc, char** argv, bool headless)
 {
     if (headless) qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QtMessageHandler former = headless ? nullptr : qInstallMessageHandler(reportStart);
+    qInstallMessageHandler(headless ? dropDisplayRemarks : reportStart);
     auto application = std::make_unique<QApplication>(argc, argv);
-    if (!headless) qInstallMessageHandler(former);
+    if (!headless) qInstallMessageHandler(nullptr);
     QApplication::setApplicationDisplayName("Vorel");
     QApplication::setApplicationVersion(VOREL_VERSION);
     return application;
