@@ -15,6 +15,7 @@
 #include "qx/QxMaterialNameItemDelegate.h"
 
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -343,8 +344,15 @@ void GiQTissueList::editColor(int row)
 
 // ---- names
 
+void GiQTissueList::commitData(QWidget* nameEditor)
+{
+    const QScopedValueRollback<bool> running(committing, true);
+    QTableWidget::commitData(nameEditor);
+}
+
 void GiQTissueList::notifyStop()
 {
+    if (committing) return; // the editor closes by itself as soon as its text is taken
     for (int row = 0; row < rowCount(); ++row)
         if (QTableWidgetItem* name = item(row, kName)) closePersistentEditor(name);
 }
@@ -391,7 +399,13 @@ bool GiQTissueList::rename(int row, const QByteArray& name)
     HxParamBundle* material = bundleOf(row);
     HxParamBundle* holder = bundle->bundle(name.constData(), 0);
     if (holder && holder != material) {
-        mergeInto(row, holder);
+        // The row must not go while its editor is still busy with it: the question comes once that is closed.
+        if (committing)
+            QMetaObject::invokeMethod(
+                itemOf(row), [this, item = itemOf(row)] { nameChanged(item->row(), kName); },
+                Qt::QueuedConnection);
+        else
+            mergeInto(row, holder);
         return false;
     }
     if (!holder) {

@@ -116,6 +116,7 @@ public slots:
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void commitData(QWidget* nameEditor) override;
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
@@ -144,6 +145,7 @@ private:
     HxParamBundle* bundle = nullptr; // the label data's "Materials"
     GiQ* gi = nullptr;
     std::vector<std::unique_ptr<GiQTissueListItem>> items; // by row
+    bool committing = false;                               // the name's editor hands over its text
     int pressRow = -1;                                     // under the last left press
     Operation3D showMaterial3D;
     Operation3D useLabelColor;

@@ -33,6 +33,7 @@ bool provideClass(const char* className)
 /// request, where there is none.
 QString picturePath(const char* file)
 {
+    if (!*file) return {}; // wanted so: not everything has a picture
     const std::string ofPackage = HxPackage::findResource(file);
     if (!ofPackage.empty()) return QString::fromStdString(ofPackage);
     for (const std::string& folder : HxPackage::resourceFolders()) {

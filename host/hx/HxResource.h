@@ -45,7 +45,7 @@ public:
 
     /// An icon from the folders of the packages, or from the resource folders. A file beside it with "@2x"
     /// before its suffix serves screens of higher density. A missing file gives an empty icon, and one
-    /// message on the console however often it is asked for. Empty, too, without a GUI application.
+    /// message on the console however often it is asked for. Empty, too, without a GUI application or a name.
     static QIcon readIcon(const char* file);
 
     /// A cursor likewise; the hot spot is in pixels of the file. `mask` names a file whose white parts are
