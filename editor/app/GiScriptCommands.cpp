@@ -1,6 +1,9 @@
 #include "app/GiScriptCommands.h"
 
 #include "app/GiQ.h"
+#include "app/GiQTissueList.h"
+#include "app/GiQTissueListItem.h"
+#include "app/GiQToolbox.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
 #include "hx/HxLabelLattice3.h"
@@ -9,6 +12,7 @@
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
 #include "mc/McInterface.h"
+#include "qx/HxColorEditor.h"
 
 #include <algorithm>
 #include <string>
@@ -95,6 +99,12 @@ GiQ* editedGi()
     return editor && editor->getLabelData() ? editor->getGi() : nullptr;
 }
 
+/// Everything below goes the way of the list's own widgets, so that list, tables and viewers agree.
+GiQTissueList& tissueList(GiQ& gi)
+{
+    return *gi.getToolbox()->tissueList;
+}
+
 int materialLock(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
 {
     int lock;
@@ -104,7 +114,7 @@ int materialLock(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
     }
     if (Tcl_GetBoolean(interp, value, &lock) != TCL_OK)
         return fail(interp, std::string("material: \"") + value + "\" is neither 0 nor 1.");
-    gi.lockTissue(index, lock);
+    tissueList(gi).lock(index, lock != 0);
     return TCL_OK;
 }
 
@@ -118,23 +128,20 @@ int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
         Tcl_VaSetResult(interp, "%s", hasLongName ? static_cast<const char*>(longName) : material->getName());
         return TCL_OK;
     }
-    if (hasLongName) {
-        material->set("LongName", value);
-    } else {
-        const McString name = HxParamBase::cleanName(value);
-        if (name.length() == 0)
-            return fail(interp,
-                        std::string("material: \"") + value + "\" has no character that a name may hold.");
-        const HxParamBundle* other = gi.materials->bundle(name, 0);
-        if (other && other != material)
-            return fail(interp, std::string("material: there is a material \"") +
-                                    static_cast<const char*>(name) + "\" already.");
-        material->setName(name);
-    }
-    gi.touchData(0, 1, -1, -1, -1, -1);
-    gi.materialsChanged();
+    const McString name = HxParamBase::cleanName(value);
+    if (!hasLongName && name.length() == 0)
+        return fail(interp,
+                    std::string("material: \"") + value + "\" has no character that a name may hold.");
+    const HxParamBundle* other = hasLongName ? nullptr : gi.materials->bundle(name, 0);
+    const bool isTaken = other && other != material;
+    const int count = gi.materials->nBundles();
+    tissueList(gi).item(index, GiQTissueList::kName)->setText(QString::fromUtf8(value));
+    const bool hasMerged = gi.materials->nBundles() < count;
+    if (isTaken && !hasMerged) // the question whether to merge the two was not answered so
+        return fail(interp, std::string("material: there is a material \"") + static_cast<const char*>(name) +
+                                "\" already.");
     // The name rule may have changed the text; a script that goes on with the name must know it.
-    Tcl_VaSetResult(interp, "%s", hasLongName ? value : material->getName());
+    Tcl_VaSetResult(interp, "%s", hasLongName ? value : static_cast<const char*>(name));
     return TCL_OK;
 }
 
@@ -162,10 +169,36 @@ int materialColor(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
     if (!valid)
         return fail(interp,
                     std::string("material: \"") + value + "\" is no color; give three numbers from 0 to 1.");
-    material->setColor(rgb);
-    gi.labelData->touch();
-    gi.materialsChanged();
-    emit gi.colorChanged(gi.labelData, index);
+    HxColorEditor::setNextAnswer(true, rgb[0], rgb[1], rgb[2]);
+    tissueList(gi).editColor(index);
+    return TCL_OK;
+}
+
+/// 0 hidden, else the way in which the slice viewers draw the material.
+int materialStyle2D(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
+{
+    constexpr int kLastStyle = 4;
+    int style;
+    if (value) {
+        if (Tcl_GetInt(interp, value, &style) != TCL_OK || style < 0 || style > kLastStyle)
+            return fail(interp, std::string("material: \"") + value + "\" is no style from 0 to 4.");
+        tissueList(gi).itemOf(index)->setDrawStyle2D(static_cast<unsigned int>(style));
+    }
+    Tcl_VaSetResult(interp, "%d", gi.drawStyle2D[index]);
+    return TCL_OK;
+}
+
+int materialShow3D(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
+{
+    int on;
+    if (value) {
+        if (Tcl_GetBoolean(interp, value, &on) != TCL_OK)
+            return fail(interp, std::string("material: \"") + value + "\" is neither 0 nor 1.");
+        if (!tissueList(gi).show3D()) return fail(interp, "material: there is no 3D view.");
+        tissueList(gi).itemOf(index)->setShow3D(on != 0);
+        tissueList(gi).itemOf(index)->slotShow3D(on != 0);
+    }
+    Tcl_VaSetResult(interp, "%d", gi.visible3D[index] ? 1 : 0);
     return TCL_OK;
 }
 
@@ -186,7 +219,9 @@ int material(Tcl_Interp* interp, int count, const char* const* words)
     if (what == "lock") return materialLock(interp, *gi, index, value);
     if (what == "name") return materialName(interp, *gi, index, value);
     if (what == "color") return materialColor(interp, *gi, index, value);
-    return fail(interp, "material: \"" + what + "\" is unknown; use lock, name or color.");
+    if (what == "style2D") return materialStyle2D(interp, *gi, index, value);
+    if (what == "show3D") return materialShow3D(interp, *gi, index, value);
+    return fail(interp, "material: \"" + what + "\" is unknown; use lock, name, color, style2D or show3D.");
 }
 
 } // namespace
@@ -197,10 +232,14 @@ void giAddScriptCommands()
                           "Opens a label field for segmentation, over the given image or one that fits; the "
                           "editor answers under the name that is the result.",
                           segment);
-    HxScriptCommands::add(
-        "material", "material INDEX lock|name|color ?VALUE?",
-        "Reads or sets the lock (0 or 1), the name or the color (three numbers from 0 to 1) of "
-        "a material of the open label field. Setting a name gives the name that the material got: letters, "
-        "digits and _-. stay, blanks become _, all else is dropped.",
-        material);
+    HxScriptCommands::add("material", "material INDEX lock|name|color|style2D|show3D ?VALUE?",
+                          "Reads or sets the lock (0 or 1), the name, the color (three numbers from 0 to 1), "
+                          "the style in slices "
+                          "(0 hidden, 1 outline, 2 hatched, 3 dotted, 4 light dots) or whether the 3D view "
+                          "shows it (0 or 1), of "
+                          "a material of the open label field. A name that another material has merges the "
+                          "two if the question is "
+                          "answered so. Setting a name gives the name that the material got: letters, "
+                          "digits and _-. stay, blanks become _, all else is dropped.",
+                          material);
 }

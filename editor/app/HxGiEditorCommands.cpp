@@ -2,6 +2,8 @@
 // name, order, complaint and oddity is part of what users rely on.
 
 #include "app/GiQ.h"
+#include "app/GiQTissueList.h"
+#include "app/GiQToolbox.h"
 #include "app/GiSnapshot.h"
 #include "app/HxGiEditor.h"
 #include "app/HxGiSubApplication.h"
@@ -12,6 +14,10 @@
 #include "hx/HxScript.h"
 #include "mc/McException.h"
 #include "tools/GiCrossHairTool.h"
+#include "tools/GiThreshold.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
 
 #include <cstdlib>
 #include <cstring>
@@ -96,11 +102,26 @@ int fillHoles(const Call& call)
     return call.notAvailable();
 }
 
+int fillSelection3D(const Call& call)
+{
+    if (call.count != 2) return call.wrongCount();
+    call.gi.selectionFillVolume();
+    return TCL_OK;
+}
+
+int fillAllSlices(const Call& call)
+{
+    if (call.count != 2) return call.wrongCount();
+    call.gi.selectionFillAll();
+    return TCL_OK;
+}
+
 /// Makes word 2 the current material; an index that no material has is an error without a text.
 int makeMaterialCurrent(const Call& call)
 {
     const int index = call.number(2);
     if (!call.gi.materials || index < 0 || index >= call.gi.materials->nBundles()) return TCL_ERROR;
+    call.gi.getToolbox()->tissueList->setTissue(index);
     call.gi.currentTissue = index;
     return TCL_OK;
 }
@@ -209,9 +230,13 @@ int redo(const Call& call)
     return TCL_OK;
 }
 
+/// kept: words are not counted. Without a number, or with more than one, no tool is chosen, as with a number
+/// that none has.
 int setTool(const Call& call)
 {
-    return call.notAvailable();
+    constexpr int kNoTool = -1;
+    call.gi.getToolbox()->setTool(call.count == 3 ? call.number(2) : kNoTool);
+    return TCL_OK;
 }
 
 int setVolrenLevel(const Call& call)
@@ -302,19 +327,25 @@ int setToolDataWindow(const Call& call)
 int threshold(const Call& call)
 {
     if (call.count != 4) return call.consoleError("Usage: threshold is3d sameMaterialOnly");
-    return call.notAvailable();
+    QWidget* panel = call.gi.tools[GiThreshold::kIndex]->getWidget(nullptr);
+    panel->findChild<QCheckBox*>("wAllSlicesCheckBox")->setChecked(call.number(2) != 0);
+    panel->findChild<QCheckBox*>("wCurrentMaterialCheckBox")->setChecked(call.number(3) != 0);
+    panel->findChild<QAbstractButton*>("wSelectButton")->click();
+    return TCL_OK;
 }
 
 int newMaterial(const Call& call)
 {
     if (call.count != 3) return call.consoleError("Usage: newMaterial name");
-    return call.notAvailable();
+    call.gi.getToolbox()->tissueList->addMaterial(call.words[2]);
+    return TCL_OK;
 }
 
 int deleteMaterial(const Call& call)
 {
     if (call.count != 4) return call.consoleError("Usage: deleteMaterial removeIdx replaceIdx");
-    return call.notAvailable();
+    call.gi.getToolbox()->tissueList->removeTissue(call.number(2), call.number(3));
+    return TCL_OK;
 }
 
 struct Command
@@ -344,9 +375,8 @@ constexpr Command kCommands[] = {
      "shrinks the selection in every slice"},
     {"smoothSelectionAllSlices", notAvailableWithoutWords, "smoothSelectionAllSlices",
      "smooths the selection in every slice"},
-    {"fillSelection3D", notAvailableWithoutWords, "fillSelection3D", "fills cavities of the selection in 3D"},
-    {"fillAllSlices", notAvailableWithoutWords, "fillAllSlices",
-     "fills holes of the selection in every slice"},
+    {"fillSelection3D", fillSelection3D, "fillSelection3D", "fills cavities of the selection in 3D"},
+    {"fillAllSlices", fillAllSlices, "fillAllSlices", "fills holes of the selection in every slice"},
     {"snapshot", snapshot, "snapshot VIEWER FILE", "writes the picture of a viewer"},
     {"invertSelection", invertSelection, "invertSelection ?3D?",
      "inverts the slice's or the volume's selection"},

@@ -2,6 +2,8 @@
 
 #include "EditorSession.h"
 
+#include "app/GiQTissueList.h"
+#include "app/GiQToolbox.h"
 #include "display/GiViewer.h"
 #include "hx/HxSettingsMgr.h"
 
@@ -25,6 +27,17 @@ protected:
         const unsigned char* p = labels->labelLattice()->getLabels();
         for (unsigned long i = 0; i < kDims[0] * kDims[1] * kDims[2]; ++i) ++n[p[i]];
         return n;
+    }
+    /// Shows an image that rises from 0 to 4 along each row of voxels, over and over.
+    void showRamp()
+    {
+        const unsigned long n = kDims[0] * kDims[1] * kDims[2];
+        auto* values = static_cast<unsigned char*>(std::malloc(n));
+        for (unsigned long i = 0; i < n; ++i) values[i] = static_cast<unsigned char>(i % 5);
+        auto* ramp = new HxUniformScalarField3(kDims, 0, values, true);
+        ramp->setLabel("ramp");
+        HxObjectPool::getThePool()->addObject(ramp);
+        eval("segment labels ramp");
     }
     HxUniformLabelField3* labels = nullptr;
 };
@@ -205,16 +218,92 @@ TEST_F(EditorCommands, VoxelsBeyondTheVolumeInJAndKAreSilent)
 
 TEST_F(EditorCommands, CommandsOfLaterOperationsSaySo)
 {
-    for (const char* line :
-         {"gi smooth 3", "gi smoothAll 3 1", "gi fillHoles", "gi growSelection3D", "gi shrinkSelection3D",
-          "gi growSelectionAll2D", "gi shrinkSelectionAll2D", "gi smoothSelectionAllSlices",
-          "gi fillSelection3D", "gi fillAllSlices", "gi removeIslands 10", "gi setTool 3", "gi setTool",
-          "gi threshold 1 0", "gi newMaterial Liver", "gi deleteMaterial 1 0"}) {
+    for (const char* line : {"gi smooth 3", "gi smoothAll 3 1", "gi fillHoles", "gi growSelection3D",
+                             "gi shrinkSelection3D", "gi growSelectionAll2D", "gi shrinkSelectionAll2D",
+                             "gi smoothSelectionAllSlices", "gi removeIslands 10"}) {
         const std::string text = error(line);
         std::string name = std::string(line).substr(3);
         name = name.substr(0, name.find(' '));
         EXPECT_EQ(text, name + ": not available yet");
     }
+}
+
+TEST_F(EditorCommands, ToolsAndMaterialsAnswerAsTheirPanelsDo)
+{
+    showRamp();
+    eval("gi setTool 4");
+    EXPECT_EQ(gi()->currentTool, gi()->tools[4]);
+    EXPECT_TRUE(gi()->maskingEnabled()) << "the threshold masks";
+    gi()->setToolDataWindow(2, 2, true);
+    eval("gi threshold 1 0");
+    long selected = 0;
+    for (unsigned long i = 0; i < gi()->selection->numBits(); ++i) selected += gi()->selection->isSet(i);
+    EXPECT_EQ(selected, static_cast<long>(gi()->selection->numBits() / 5));
+    eval("gi setTool 1");
+    EXPECT_FALSE(gi()->maskingEnabled());
+    eval("gi setTool");
+    EXPECT_EQ(gi()->currentTool, nullptr);
+
+    const int before = gi()->materials->nBundles();
+    eval("gi newMaterial Lesion");
+    EXPECT_EQ(gi()->materials->nBundles(), before + 1);
+    EXPECT_EQ(gi()->currentTissue, before);
+    eval("gi deleteMaterial " + std::to_string(before) + " 1");
+    EXPECT_EQ(gi()->materials->nBundles(), before);
+    eval("gi selectMaterial 1");
+    EXPECT_EQ(gi()->getToolbox()->tissueList->currentRow(), 1);
+
+    eval("material 1 style2D 3");
+    EXPECT_EQ(gi()->drawStyle2D[1], 3);
+    EXPECT_EQ(eval("material 1 style2D 0"), "0");
+    EXPECT_EQ(gi()->lastDrawStyle2D[1], 3);
+    error("material 1 style2D 5");
+    EXPECT_EQ(eval("material 1 show3D"), "0");
+    eval("material 1 style2D 1"); // the tables outlive the session
+}
+
+TEST_F(EditorCommands, WidgetsAreReadAndSetAsAPersonDoes)
+{
+    showRamp();
+    EXPECT_EQ(eval("tool 1 widget wSizeSpinBox"), "25");
+    EXPECT_EQ(eval("tool 1 widget wSizeSlider 40"), "40");
+    EXPECT_EQ(eval("tool 1 widget wSizeSpinBox"), "40");
+    EXPECT_EQ(eval("tool 1 widget wSizeSpinBox 300"), "300");
+    EXPECT_EQ(eval("tool 1 widget wSizeSlider"), "40");
+    EXPECT_EQ(eval("tool 1 widget wSquareButton 1"), "1");
+    EXPECT_EQ(eval("tool 1 widget wCircleButton"), "0");
+    EXPECT_EQ(eval("tool 1 widget wCircleButton click"), "1");
+    EXPECT_EQ(eval("toolbox widget wEnableMaskingCheckBox 1"), "1");
+    EXPECT_TRUE(gi()->maskingEnabled());
+    EXPECT_EQ(eval("toolbox widget wMaskingWindowSlider {1 3}"), "1 3");
+    EXPECT_EQ(eval("gi getToolDataWindow"), "1 3");
+    EXPECT_EQ(eval("toolbox widget wMaskingWindowSlider 2 3"), "2 3");
+    const std::string zoom = eval("toolbox widget zoomLabel");
+    eval("toolbox widget zoomInButton click");
+    EXPECT_NE(eval("toolbox widget zoomLabel"), zoom);
+
+    const std::pair<const char*, const char*> kRefused[] = {
+        {"tool 1 widget wSizeSpinBox 513", "tool: wSizeSpinBox takes a number from 1 to 512, not \"513\"."},
+        {"tool 1 widget wSizeSpinBox many", "tool: wSizeSpinBox takes a number from 1 to 512, not \"many\"."},
+        {"tool 1 widget wSizeSpinBox 3 4", "tool: wSizeSpinBox takes one value."},
+        {"tool 1 widget wHideBrushCheckBox 2", "tool: wHideBrushCheckBox takes 0, 1 or click, not \"2\"."},
+        {"tool 1 widget wCircleButton 0",
+         "tool: wCircleButton goes out when another one of its group is chosen."},
+        {"tool 6 widget wSizeSlider", "tool: tool 6 has no panel."},
+        {"tool 7 widget wSizeSlider", "tool: there is no tool \"7\"."},
+        {"toolbox widget wMaskingWindowSlider {3 1}",
+         "toolbox: wMaskingWindowSlider takes two numbers, the smaller one first, not \"3 1\"."},
+        {"toolbox widget zoomLabel 4:1", "toolbox: zoomLabel can only be read."},
+        {"toolbox widget zoomInButton 1", "toolbox: zoomInButton is a button; its only value is click."},
+        {"toolbox widget wShow3DVolrenButton click", "toolbox: wShow3DVolrenButton is disabled."},
+        {"filter Sharpen widget radius", "filter: there is no filter \"Sharpen\"."}};
+    for (const auto& [line, complaint] : kRefused) EXPECT_EQ(error(line), complaint);
+    EXPECT_EQ(
+        error("toolbox widget wSizeSlider").find("toolbox: there is no widget \"wSizeSlider\"; there are: "),
+        0u)
+        << "what lies in a tool's panel is the tool's";
+    EXPECT_EQ(eval("tool 1 widget wSizeSpinBox"), "300") << "what was refused has changed nothing";
+    eval("tool 1 widget wSizeSpinBox 25"); // panels outlive the session
 }
 
 TEST_F(EditorCommands, RowsOfTheMaterialTable)
