@@ -7,7 +7,6 @@
 #include "app/QxViewerPanel.h"
 #include "display/GiFrameBuffer.h"
 #include "hx/HxViewerPanelBase.h"
-#include "tools/GiCrossHairTool.h"
 
 #include <QLabel>
 #include <QMenuBar>
@@ -35,15 +34,9 @@ protected:
         eval("segment labels image");
         gi()->activateViewer(gi()->viewers[2]);
         viewer = gi()->viewers[2];
+        gi()->set3dMode(false);
         start();
     }
-    void TearDown() override
-    {
-        gi()->set3dMode(false);
-        gi()->crossHair->setVisible(false);
-        EditorSession::TearDown();
-    }
-
     /// Slice 6, with one selected voxel each in slices 1, 2, 6, 9 and 12 and nowhere else.
     void start()
     {

@@ -11,6 +11,7 @@
 #include "hx/HxObjectPool.h"
 #include "hx/HxUniformLabelField3.h"
 #include "hx/HxUniformScalarField3.h"
+#include "tools/GiCrossHairTool.h"
 
 #include <gtest/gtest.h>
 #include <tcl.h>
@@ -33,10 +34,7 @@ protected:
     {
         HxObjectPool::getThePool()->clear();
         HxSubApplication::leaveRunning();
-        if (editor()) { // locks and orientations outlive the data
-            for (int i = 0; i < 256; ++i) gi()->lockTissue(i, 0);
-            for (int i = 0; i < 3; ++i) gi()->viewers[i]->setOrientation(i);
-        }
+        if (editor()) restoreDefaults();
         HxMessage::getTheMsg()->setSink({});
     }
 
@@ -83,6 +81,16 @@ protected:
     }
     static HxGiEditor* editor() { return HxGiSubApplication::instance()->getEditor(); }
     static GiQ* gi() { return editor()->getGi(); }
+    /// What outlives the data and would meet the next test.
+    static void restoreDefaults()
+    {
+        for (int i = 0; i < 256; ++i) gi()->lockTissue(i, 0);
+        for (int i = 0; i < 3; ++i) gi()->viewers[i]->setOrientation(i);
+        gi()->setMaskingEnabled(false);
+        gi()->set3dMode(true); // as the toolbox starts
+        gi()->setZoomMode(true);
+        gi()->crossHair->setVisible(false);
+    }
 
     std::string result;
     std::vector<std::string> console;
