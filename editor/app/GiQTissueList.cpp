@@ -190,6 +190,11 @@ void GiQTissueList::updateMaterialVisibility()
     }
 }
 
+void GiQTissueList::updateStates()
+{
+    for (int row = 0; row < static_cast<int>(items.size()); ++row) itemOf(row)->showStates(row);
+}
+
 // ---- the current material
 
 void GiQTissueList::setTissue(int row)

@@ -85,6 +85,8 @@ public:
 
     /// Names, and rows of materials that are not to be shown, anew from the bundles.
     void updateMaterialVisibility();
+    /// Locks and 2D boxes anew, after somebody else has written the controller's tables.
+    void updateStates();
     /// What the boxes of the 3D columns do; without operations, as long as no 3D view is there, they are
     /// disabled.
     using Operation3D = std::function<void(int row, bool on)>;

@@ -105,10 +105,15 @@ void GiQTissueListItem::fillCells(int row)
 {
     setColor(colorOf(*list->bundleOf(row)));
     setName(list->nameOf(row));
-    setLock(list->isLocked(row));
-    const GiQ* gi = list->getGi();
-    box2D->setChecked(gi && gi->drawStyle2D[row] != 0);
+    showStates(row);
     enable3D(bool(list->show3D()));
+}
+
+void GiQTissueListItem::showStates(int row)
+{
+    const GiQ* gi = list->getGi();
+    setLock(list->isLocked(row));
+    box2D->setChecked(gi && gi->drawStyle2D[row] != 0);
 }
 
 void GiQTissueListItem::connectCells()
@@ -153,6 +158,8 @@ void GiQTissueListItem::setColor(const QColor& newColor)
 
 void GiQTissueListItem::setLock(bool on)
 {
+    if (shownLock == on) return;
+    shownLock = on;
     const QSignalBlocker noEdit(list);
     lockItem->setIcon(lockIcon(on));
     lockItem->setToolTip(on ? GiQTissueList::tr("Locked: edits leave this material as it is")

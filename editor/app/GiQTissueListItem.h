@@ -4,6 +4,8 @@
 #include <QIcon>
 #include <QObject>
 
+#include <optional>
+
 class GiQTissueList;
 class QCheckBox;
 class QFrame;
@@ -25,6 +27,8 @@ public:
     bool isColor3DButtonChecked() const;
     bool isShow2DButtonChecked() const;
 
+    /// Lock and 2D box as the controller's tables say of the item's row. Cheap if nothing has changed.
+    void showStates(int row);
     /// Shows the name; the list is not told of an edit.
     void setName(const QString& name);
     void setColor(const QColor& newColor);
@@ -62,4 +66,5 @@ private:
     QCheckBox* box3D;
     QCheckBox* boxColor;
     QColor color;
+    std::optional<bool> shownLock;
 };

@@ -170,6 +170,9 @@ TEST_F(TissueList, RowsShowWhatTheBundlesAndTablesSay)
     list->updateMaterialVisibility();
     EXPECT_EQ(names()[1], "Heart");
     EXPECT_FALSE(list->isRowHidden(2));
+    gi()->drawStyle2D[1] = 0; // as the viewers' key for the next style does
+    list->updateStates();
+    EXPECT_FALSE(list->itemOf(1)->isShow2DButtonChecked());
     // All columns stand in the window, with the names in what is left.
     EXPECT_EQ(list->columnViewportPosition(6) + list->columnWidth(6), list->viewport()->width());
     EXPECT_GE(list->columnWidth(GiQTissueList::kName), 60);
