@@ -71,7 +71,8 @@ GiQ::GiQ(HxGiEditor* owner, QWidget*& toolboxOut, QWidget*& viewerOut)
 {
     HxMain* window = HxMain::getTheMain();
     menuBar = window->menuBar();
-    window->viewerLayout()->addWidget(panel);
+    // Without sub-applications it is the main panel, which has its page already.
+    if (window->viewerLayout()->indexOf(panel) < 0) window->viewerLayout()->addWidget(panel);
     commonInit();
     toolboxOut = toolbox;
     viewerOut = panel;
@@ -124,10 +125,7 @@ GiQ::~GiQ()
     delete selectionMenu;
     destroyMembers();
     delete toolbox;
-    if (mode == kEmbeddedMode)
-        delete splitter;
-    else if (mode == kSubApplicationMode && panel && HxMain::getTheMain())
-        HxMain::getTheMain()->viewerLayout()->removeWidget(panel); // the host's, for the next one to use
+    delete splitter; // the panel in it is its child; in the other modes the panel is the host's
 }
 
 QWidget* GiQ::getWidget() const

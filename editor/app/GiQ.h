@@ -3,6 +3,7 @@
 #include "app/GiQToolbox.h"
 #include "app/QxViewerPanel.h"
 #include "core/Gi.h"
+#include "hx/HxData.h" // whole, so that signals can carry it
 #include "mc/McHandle.h"
 
 #include <QList>

@@ -77,6 +77,13 @@ bool isUniformOrStacked(HxRegScalarField3* field)
     return kind == HxLatticeCoords::kUniform || kind == HxLatticeCoords::kStacked;
 }
 
+/// What can be shown, apart from labels.
+bool isImage(HxRegScalarField3* field)
+{
+    return isUniformOrStacked(field) && HxGiEditor::isImageType(field->lattice()->primType()) &&
+           field->lattice()->numDataVars() == 1;
+}
+
 int indexOfNone(const QComboBox* box)
 {
     return box->count() - 1;
@@ -330,11 +337,10 @@ void GiQ::slotObjectAddedSA(HxObject* object)
     QComboBox* box = isLabelField(field) ? toolbox->wLabelData : toolbox->wImageData;
     if (isLabelField(field)) {
         if (comboObject(box, indexOfNone(box) - 1) != object) insertItem(box, object);
-        if (indexOfNone(box) != 1) return;
-        choose(box, 0);
+        if (box->count() != 1) return; // the user chooses, unless the box offers nothing else
         editor->stopEditing();
         editor->startEditing(field);
-    } else if (isUniformOrStacked(field)) {
+    } else if (isImage(field)) {
         insertItem(box, object);
         choose(box, indexOfNone(box) - 1);
         setImageDataSA(box->currentIndex());

@@ -26,6 +26,7 @@ constexpr int kOneViewer = 1, kFourViewers = 4, kThreeViewers = 5;
 void GiQ::createViewers()
 {
     viewerPanel = panel;
+    connect(panel, &QxViewerPanel::layoutNumberChanged, this, &GiQ::checkForHiddenSelection);
     createViewerTools();
     for (int orientation = 0; orientation < 3; ++orientation) {
         auto* viewer = new GiQViewer("viewer", this, panel);

@@ -19,9 +19,11 @@
 
 namespace {
 
-constexpr int kSpacing = 4; // device-independent pixels, between all that belongs together
-constexpr int kGap = 12;    // between groups of buttons in one row
+constexpr int kSpacing = 4;    // device-independent pixels, between neighbours in a row
+constexpr int kRowSpacing = 2; // between rows: the whole has to fit a window 800 pixels high
+constexpr int kGap = 12;       // between groups of buttons in one row
 constexpr int kComboCharacters = 18;
+constexpr int kLeastListHeight = 60; // the header and two materials
 constexpr int kFrame2Width = 16, kFrame2Height = 188;
 
 QString tr(const char* text)
@@ -65,8 +67,8 @@ QVBoxLayout* columnOf(QGroupBox* box)
 {
     box->setFlat(true);
     auto* column = new QVBoxLayout(box);
-    column->setContentsMargins(0, kSpacing, 0, kSpacing);
-    column->setSpacing(kSpacing);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
     return column;
 }
 
@@ -95,7 +97,7 @@ void Ui_GiToolboxBase::setupUi(QWidget* toolbox)
 
     auto* column = new QVBoxLayout(wGiFrame);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(kSpacing);
+    column->setSpacing(kRowSpacing);
     column->addWidget(makeInput());
     column->addLayout(makeMaterials());
     column->addWidget(tissueFrame, 1);
@@ -104,8 +106,8 @@ void Ui_GiToolboxBase::setupUi(QWidget* toolbox)
     column->addWidget(makeToolsBox());
 
     auto* whole = new QVBoxLayout(toolbox);
-    whole->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
-    whole->setSpacing(kSpacing);
+    whole->setContentsMargins(kSpacing, kRowSpacing, kSpacing, 0);
+    whole->setSpacing(kRowSpacing);
     whole->addWidget(wGiFrame, 1);
     whole->addWidget(wGiFrame2);
     makeInfo();
@@ -128,6 +130,7 @@ QWidget* Ui_GiToolboxBase::makeInput()
         box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
     auto* grid = tight<QGridLayout>(wGiInput);
+    grid->setVerticalSpacing(kRowSpacing);
     grid->addWidget(wImageDataText, 0, 0);
     grid->addWidget(wImageData, 0, 1, 1, 2);
     grid->addWidget(wLabelDataText, 1, 0);
@@ -145,6 +148,7 @@ QLayout* Ui_GiToolboxBase::makeMaterials()
     make(tissueFrame, "tissueFrame", wGiFrame);
     tissueFrame->setFrameShape(QFrame::StyledPanel);
     make(tissueList, "tissueList", tissueFrame);
+    tissueFrame->setMinimumHeight(kLeastListHeight);
     tight<QVBoxLayout>(tissueFrame)->addWidget(tissueList);
     QHBoxLayout* row = rowOf({matLabel, addMatButton, delMatButton});
     row->setStretchFactor(matLabel, 1);
@@ -254,12 +258,16 @@ void Ui_GiToolboxBase::makeInfo()
     make(infoIdx, "infoIdx", wInfoContainer);
     make(infoMat, "infoMat", wInfoContainer);
     make(infoGrey, "infoGrey", wInfoContainer);
-    auto* column = tight<QVBoxLayout>(wInfoContainer);
-    column->setSpacing(0);
+    auto* grid = tight<QGridLayout>(wInfoContainer);
+    grid->setSpacing(0);
+    int i = 0;
     for (QLabel* line : {infoPos, infoIdx, infoMat, infoGrey}) {
         // The texts change with every move of the pointer; the panel must not move along.
         line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         line->setTextFormat(Qt::RichText);
-        column->addWidget(line);
+        grid->addWidget(line, i / 2, i % 2);
+        ++i;
     }
+    grid->setColumnStretch(0, 3); // positions and names are longer
+    grid->setColumnStretch(1, 2);
 }
