@@ -7,6 +7,7 @@
 #include "app/HxWorkspace.h"
 #include "app/QxViewerPanel.h"
 #include "app/hxShowDialog.h"
+#include "hx/HxCompModule.h"
 #include "hx/HxData.h"
 #include "hx/HxMessage.h"
 #include "hx/HxResource.h"
@@ -146,12 +147,9 @@ QWidget* HxMain::currentToolPanel() const
 
 void HxMain::showToolPanel(QWidget* toolPanel)
 {
-    if (!toolPanel) {
-        toolPanels->setCurrentIndex(0);
-        return;
-    }
-    if (toolPanels->indexOf(toolPanel) < 0) toolPanels->addWidget(toolPanel);
-    toolPanels->setCurrentWidget(toolPanel);
+    if (toolPanel && toolPanels->indexOf(toolPanel) < 0) toolPanels->addWidget(toolPanel);
+    toolPanels->setCurrentWidget(toolPanel ? toolPanel : objects);
+    updateActions();
 }
 
 void HxMain::takeMessages()
@@ -181,10 +179,15 @@ void HxMain::compute()
 /// Called last in the start or stop of a sub-application, which shows its own pages.
 void HxMain::switchMode(HxSubApplication* application)
 {
+    mode = application;
     if (!application) {
         toolPanels->setCurrentIndex(0);
         viewerAreas->setCurrentIndex(0);
     }
+    // The buttons below are the workspace's; a sub-application has its own and needs the height.
+    area->mainButton()->setVisible(!application);
+    area->mainButton()->setEnabled(true);
+    area->neighbourButton()->setVisible(!application);
     QString title;
     for (const HxSubApplicationEntry& entry : HxResource::mSubApplications)
         if (application && entry.className == application->getTypeId().name())
@@ -249,7 +252,8 @@ bool HxMain::write(HxData* object, const QString& path)
 
 HxData* HxMain::dataToSave() const
 {
-    if (HxSubApplication* running = HxSubApplication::running()) return running->currentData();
+    // One that stops still counts as running while its pages are gone already.
+    if (mode && mode == HxSubApplication::running()) return mode->currentData();
     return dynamic_cast<HxData*>(objects->selected());
 }
 
@@ -259,6 +263,11 @@ void HxMain::updateActions()
     const bool canSave = dataToSave();
     saveAction->setEnabled(canSave);
     saveAsAction->setEnabled(canSave);
+    // Whoever has made the buttons its own keeps them as they are.
+    if (currentToolPanel() != objects) return;
+    const bool canCompute = dynamic_cast<HxCompModule*>(objects->selected());
+    area->mainButton()->setEnabled(canCompute);
+    area->neighbourButton()->setEnabled(canCompute);
 }
 
 // The window

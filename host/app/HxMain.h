@@ -103,6 +103,7 @@ private:
     HxConsole* consoleView = nullptr;
     QDockWidget* consoleDock = nullptr;
     QxViewerPanel* panel = nullptr;
+    HxSubApplication* mode = nullptr; // whose pages show; null for the host's own
     QActionGroup* modes = nullptr;
     QMenu* fileMenu = nullptr;
     QMenu* recentFiles = nullptr;

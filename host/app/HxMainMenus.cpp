@@ -52,6 +52,7 @@ void HxMain::makeFileMenu()
     saveAction =
         fileMenu->addAction(HxResource::readIcon("HxSave.png"), tr("&Save"),
                             QKeySequence(Qt::CTRL | Qt::Key_S), this, [this] { saveData(dataToSave()); });
+    saveAction->setObjectName("save");
     saveAsAction = fileMenu->addAction(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
                                        this, [this] { saveDataAs(dataToSave()); });
     fileMenu->addSeparator();

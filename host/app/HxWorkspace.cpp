@@ -145,9 +145,8 @@ void HxWorkspace::rename(HxObject* object)
 
 void HxWorkspace::fireSelected()
 {
-    // Data only pass on what depends on them; that is a person's wish as well.
-    const McHandle<HxObject> object(selected());
-    if (object) object->fire();
+    const McHandle<HxObject> module(dynamic_cast<HxCompModule*>(selected()));
+    if (module) module->fire();
 }
 
 void HxWorkspace::add(HxObject* object)

@@ -63,6 +63,7 @@ TEST_F(WorkAreaTest, ShowsWhatRunsAndTheStopButtonEndsIt)
 TEST_F(WorkAreaTest, OtherInputAndTimersWait)
 {
     QAbstractButton* apply = area->mainButton();
+    apply->setEnabled(true);
     QSignalSpy clicked(apply, &QAbstractButton::clicked);
     QTimer timer;
     QSignalSpy ticked(&timer, &QTimer::timeout);
@@ -81,6 +82,7 @@ TEST_F(WorkAreaTest, OtherInputAndTimersWait)
 TEST_F(WorkAreaTest, AButtonThatWasDownBeforeGetsItsRelease)
 {
     QAbstractButton* apply = area->mainButton();
+    apply->setEnabled(true);
     QSignalSpy clicked(apply, &QAbstractButton::clicked);
     post(apply, QEvent::MouseButtonPress);
     QCoreApplication::processEvents();

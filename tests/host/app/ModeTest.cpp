@@ -1,0 +1,160 @@
+#include "MainWindow.h"
+
+#include "app/HxController.h"
+#include "app/HxMainWorkArea.h"
+#include "app/HxWorkspace.h"
+#include "app/QxViewerPanel.h"
+#include "hx/HxClassRegistry.h"
+#include "hx/HxCompModule.h"
+#include "hx/HxPortIntTextN.h"
+#include "hx/HxResource.h"
+#include "hx/HxSubApplication.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QLabel>
+#include <QSpinBox>
+#include <QStackedLayout>
+
+namespace {
+
+/// A mode with a tool panel and a viewer page of its own.
+class PaintMode : public HxSubApplication
+{
+public:
+    McTypeId getTypeId() const override { return hxClassType<PaintMode, HxSubApplication>("PaintMode"); }
+    HxData* currentData() override { return painted; }
+    void onStart() override
+    {
+        HxMain* main = HxMain::getTheMain();
+        if (!tools) main->toolPanelLayout()->addWidget(tools = new QLabel("paint"));
+        QxViewerPanel* panel = HxController::panel(HxController::kSubApplicationViewer);
+        if (main->viewerLayout()->indexOf(panel) < 0) main->viewerLayout()->addWidget(panel);
+        main->showToolPanel(tools);
+        main->viewerLayout()->setCurrentWidget(panel);
+        HxSubApplication::onStart();
+    }
+    QPointer<QWidget> tools;
+    HxData* painted = nullptr;
+};
+
+/// Counts how often it computes.
+class CountingModule : public HxCompModule
+{
+public:
+    CountingModule() : HxCompModule(HxData::getClassTypeId()) {}
+    void compute() override { ++computed; }
+    HxPortIntTextN steps{this, "steps"};
+    int computed = 0;
+};
+
+class ModeTest : public MainWindow
+{
+protected:
+    /// The window makes its buttons from the list.
+    static bool announce()
+    {
+        HxClassRegistry::add("PaintMode", "HxSubApplication", [] { return new PaintMode; });
+        HxSubApplicationEntry entry;
+        entry.className = "PaintMode";
+        entry.title = "Paint";
+        HxResource::mSubApplications.push_back(entry);
+        return true;
+    }
+    ~ModeTest() override
+    {
+        HxSubApplication::leaveRunning();
+        HxResource::mSubApplications.clear();
+    }
+    bool announced = announce();
+};
+
+/// Announces before the window is made.
+class PaintTest : public ModeTest
+{
+protected:
+    PaintTest()
+    {
+        window.reset();
+        window = std::make_unique<HxMain>();
+        HxMessage::setSink([](const char*) {});
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    }
+};
+
+TEST_F(PaintTest, ItsButtonShowsItsPagesAndTheWorkspaceButtonThoseOfTheHost)
+{
+    HxUniformLabelField3* labels = addLabels("a.nrrd");
+    auto* save = window->findChild<QAction*>("save");
+    EXPECT_TRUE(save->isEnabled());
+
+    child<QAction>("PaintMode")->trigger();
+    auto* mode = static_cast<PaintMode*>(HxSubApplication::running());
+    ASSERT_NE(mode, nullptr);
+    EXPECT_EQ(window->currentToolPanel(), mode->tools);
+    EXPECT_TRUE(mode->tools->isVisible());
+    EXPECT_NE(HxController::panel(15), window->viewerPanel());
+    EXPECT_TRUE(HxController::panel(15)->isVisible());
+    EXPECT_EQ(window->windowTitle().section(" - ", 0, 0), "Paint");
+    // The key for saving is left to the mode when it names nothing to save.
+    EXPECT_FALSE(save->isEnabled());
+
+    child<QAction>("HxWorkspace")->trigger();
+    EXPECT_EQ(HxSubApplication::running(), nullptr);
+    EXPECT_EQ(window->currentToolPanel(), window->workspace());
+    EXPECT_TRUE(window->viewerPanel()->isVisible());
+    EXPECT_TRUE(save->isEnabled());
+
+    mode->painted = labels;
+    mode->makeCurrent();
+    EXPECT_TRUE(child<QAction>("PaintMode")->isChecked());
+    EXPECT_TRUE(save->isEnabled());
+}
+
+TEST_F(ModeTest, ApplyFiresTheSelectedModuleAndAutoEachChange)
+{
+    const McHandle<CountingModule> module(new CountingModule);
+    module->setLabel("counter");
+    addLabels("a.nrrd");
+    HxObjectPool::getThePool()->addObject(module);
+    QAbstractButton* apply = window->workArea()->mainButton();
+    EXPECT_FALSE(apply->isEnabled()); // data are selected
+    window->workspace()->select(module);
+    QTest::mouseClick(apply, Qt::LeftButton);
+    EXPECT_EQ(module->computed, 1);
+
+    auto* steps = child<QSpinBox>("steps");
+    QTest::keyClick(steps, Qt::Key_Up);
+    EXPECT_EQ(module->steps.getValue(), 1);
+    EXPECT_EQ(module->computed, 1);
+    QTest::mouseClick(window->workArea()->neighbourButton(), Qt::LeftButton);
+    QTest::keyClick(steps, Qt::Key_Up);
+    EXPECT_EQ(module->computed, 2);
+    module->steps.setRange(0, 1); // by a script, say
+    EXPECT_EQ(steps->value(), 1);
+
+    // A panel that has made the button its own.
+    auto* panel = new QWidget;
+    window->showToolPanel(panel);
+    apply->setText("Close");
+    QTest::mouseClick(apply, Qt::LeftButton);
+    EXPECT_EQ(module->computed, 2);
+    window->showToolPanel(nullptr);
+    EXPECT_EQ(window->currentToolPanel(), window->workspace());
+}
+
+TEST_F(ModeTest, AModuleThatGoesLeavesNoControlBehind)
+{
+    McHandle<CountingModule> module(new CountingModule);
+    HxObjectPool::getThePool()->addObject(module);
+    window->workspace()->select(module);
+    EXPECT_NE(window->findChild<QSpinBox*>("steps"), nullptr);
+    HxObjectPool::getThePool()->removeObject(module);
+    module = nullptr;
+    addLabels("a.nrrd"); // the pool speaks to all lists of objects
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(window->findChild<QSpinBox*>("steps"), nullptr);
+}
+
+} // namespace
