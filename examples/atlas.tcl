@@ -5,34 +5,9 @@
 # Takes the T1 image and the anatomical labels of Debian's mricron-data, names the materials from the
 # table beside the labels, joins the left and right parts of four deep structures, gives the amygdala
 # to the hippocampus, takes that last step back, saves the result as .nrrd and .nii.gz, reads both
-# files back, prints what changed, and writes pictures of the three orientations.
+# files back, prints what changed, and writes pictures of the three orientations and of the whole window.
 
-set data [expr {[info exists env(VOREL_DATA)] ? $env(VOREL_DATA) : "/usr/share/mricron/templates"}]
-set out [expr {[info exists env(VOREL_OUT)] ? $env(VOREL_OUT) : "out"}]
-file mkdir $out
-
-set image [load $data/ch2.nii.gz]
-set labels [load -labels $data/aal.nii.gz]
-echo "image  $image: [$image dims] voxels of [$image voxelSize] mm, values [$image range]"
-echo "labels $labels: [$labels dims] voxels, [llength [$labels materials]] materials"
-
-segment $labels $image
-
-# Names: lines of "label name code". Colors: 256 bytes each of red, green and blue.
-proc nameMaterials {table colors} {
-    set channel [open $colors rb]
-    binary scan [read $channel] cu256cu256cu256 red green blue
-    close $channel
-    set channel [open $table r]
-    while {[gets $channel line] >= 0} {
-        if {[scan $line "%d %s" label name] != 2} continue
-        material $label name $name
-        material $label color [list [expr {[lindex $red $label] / 255.0}] \
-            [expr {[lindex $green $label] / 255.0}] [expr {[lindex $blue $label] / 255.0}]]
-    }
-    close $channel
-}
-nameMaterials $data/aal.nii.txt $data/aal.nii.lut
+source [file join [file dirname [info script]] brain.tcl]
 
 proc labelOf {name} {
     global labels
@@ -88,7 +63,8 @@ foreach {viewer name} {0 sagittal 1 coronal 2 axial} {
     view $viewer size 724 724
     view $viewer snapshot $out/atlas-$name.png
 }
-echo "pictures: $out/atlas-sagittal.png, -coronal.png, -axial.png"
+windowSnapshot $out/atlas-window.png
+echo "pictures: $out/atlas-sagittal.png, -coronal.png, -axial.png, -window.png"
 
 # What was written must be what was edited.
 foreach file [list $out/atlas.nrrd $out/atlas.nii.gz] {
