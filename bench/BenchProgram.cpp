@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <optional>
 #include <stdexcept>
 
 namespace {
@@ -69,7 +70,8 @@ void benchSetThreads(int n)
 
 int benchMain(int argc, char** argv, const std::function<void(const BenchOptions&)>& body)
 {
-    const QCoreApplication application(argc, argv);
+    std::optional<QCoreApplication> application;
+    if (!QCoreApplication::instance()) application.emplace(argc, argv);
     HxSettingsMgr::useMemoryStore();
     try {
         body(optionsOf(argc, argv));

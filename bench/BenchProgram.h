@@ -34,5 +34,5 @@ void benchRequire(bool holds, const std::string& what);
 void benchSetThreads(int n);
 
 /// The main function of a benchmark: reads the options, keeps the preferences in memory, and turns an
-/// exception into exit code 1.
+/// exception into exit code 1. Makes an application object without windows unless there is one.
 int benchMain(int argc, char** argv, const std::function<void(const BenchOptions&)>& body);

@@ -72,10 +72,11 @@ protected:
             }
         }
     }
+    /// Of those that can be seen: editors that rest keep theirs in the bar.
     static QMenu* menuOf(const QMenuBar* bar, const char* title)
     {
         for (const QAction* action : bar->actions())
-            if (action->text() == title) return action->menu();
+            if (action->isVisible() && action->text() == title) return action->menu();
         return nullptr;
     }
     /// An entry by its texts, as "Orientation/Flip X".
