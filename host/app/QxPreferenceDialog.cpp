@@ -57,7 +57,7 @@ QWidget* QxPreferenceDialog::makeSegmentationPage()
     drawStyle = new QComboBox(page);
     drawStyle->setObjectName("selectionDrawStyle");
     drawStyle->addItems(
-        {tr("Outlined"), tr("Dotted"), tr("Hatched"), tr("Light transparent"), tr("Transparent")});
+        {tr("Filled, transparent"), tr("Contour"), tr("Hatched"), tr("Dotted"), tr("Light dots")});
     drawStyle->setToolTip(tr("How selected pixels are drawn over a slice"));
     form->addRow(tr("Selection in slices:"), drawStyle);
 

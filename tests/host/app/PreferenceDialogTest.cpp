@@ -39,6 +39,7 @@ TEST_F(PreferenceDialogTest, ChangesShowAtOnceAndCancelStoresNothing)
     QSignalSpy preview(dialog, &QxPreferenceDialog::selectionDrawStyleChanged);
     QSignalSpy rejected(dialog, &QDialog::rejected);
     QSignalSpy changed(HxSettingsMgr::getInstance(), &HxSettingsMgr::preferencesChanged);
+    EXPECT_EQ(style->currentText(), "Contour"); // 1, as for materials
     QTest::keyClick(style, Qt::Key_Down);
     QTest::keyClick(alpha, Qt::Key_Home);
     ASSERT_EQ(preview.count(), 2);
