@@ -63,7 +63,7 @@ void makeLabels(HxObject* image)
     if (code != TCL_OK)
         HxMessage::getTheMsg()->error("%s", result.c_str());
     else
-        hxEditObject(HxObjectPool::getThePool()->find(result));
+        hxEditObject(HxObjectPool::getThePool()->find(result)); // without an editor they are just there
 }
 
 void makeModule(const std::string& className, HxObject* input, HxWorkspace& workspace)

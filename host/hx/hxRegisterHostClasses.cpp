@@ -2,8 +2,13 @@
 
 #include "hx/HxColormap.h"
 #include "hx/HxCompModule.h"
+#include "hx/HxLabelLattice3.h"
 #include "hx/HxLineSet.h"
 #include "hx/HxSpreadSheet.h"
+#include "hx/HxStackedLabelField3.h"
+#include "hx/HxStackedScalarField3.h"
+#include "hx/HxUniformLabelField3.h"
+#include "hx/HxUniformScalarField3.h"
 
 void hxRegisterHostClasses()
 {
@@ -13,6 +18,15 @@ void hxRegisterHostClasses()
     HxClassRegistry::add("HxCompModule", "HxObject");
     HxClassRegistry::add("HxEditor", "HxBase");
     HxClassRegistry::add("HxSubApplication", "HxBase");
+
+    // Packages name these as what their editors and modules work on.
+    HxLabelLattice3::getClassTypeId();
+    HxLabelLattice::getClassTypeId();
+    HxMutableLabelLattice::getClassTypeId();
+    HxUniformLabelField3::getClassTypeId();
+    HxStackedLabelField3::getClassTypeId();
+    HxUniformScalarField3::getClassTypeId();
+    HxStackedScalarField3::getClassTypeId();
 
     // Images and label fields are missing on purpose: without values there is nothing to make them of.
     HxColormap::initClass();

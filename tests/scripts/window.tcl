@@ -12,7 +12,16 @@ try menu Object/Save
 set channel [open scan.nrrd w]
 puts -nonewline $channel "NRRD0004\ntype: uint8\ndimension: 3\nsizes: 4 3 2\nencoding: raw\n\n[string repeat a 24]"
 close $channel
-set labels [newLabels [load scan.nrrd]]
+load scan.nrrd
+
+# The selected object is the first one: over an image there are new labels to be made, which are edited at once.
+try menu "Object/Edit Labels"
+menu "Object/New Labels"
+set labels scan.Labels
+echo "[objects] edited by [gi label]"
+menu "Selection/Fill/Volume"
+menu View/Workspace
+try menu "Selection/Fill/Volume"
 $labels save labels.nrrd
 
 windowSnapshot window.png
