@@ -10,7 +10,6 @@ file mkdir $out
 
 set image [load $data/ch2.nii.gz]
 set labels [load -labels $data/aal.nii.gz]
-set empty [newLabels $image]
 segment $labels $image
 
 # Lines of "label name code".
@@ -21,21 +20,17 @@ while {[gets $table line] >= 0} {
 close $table
 
 # The whole window, in three orientations, with the left hippocampus selected and current.
-segment $empty $image
-segment $labels $image
 view 2 event key v
 view 2 event key 6
 view 2 event key 1
 gi setCrossHairLocationIndex 64 106 58
 toolbox widget currentSliceRadioButton click
 gi selectMaterial2 37
-view 2 event key ,
-view 2 event key .
 view 2 event move 64 106
 windowSnapshot $out/window.png
 
 # A stroke of the brush in an axial slice, as the mouse would draw it.
-segment $empty $image
+segment [newLabels $image] $image
 view 2 event key 6
 view 2 slice 58
 view 2 size 420 420
