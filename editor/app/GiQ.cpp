@@ -256,7 +256,7 @@ void GiQ::clear()
     }
     emptySliders();
     setMenuEnabled(false);
-    toolbox->setTissues(nullptr);
+    if (toolbox) toolbox->setTissues(nullptr);
     clearUndo(1);
     // The views end with the data: nothing may reach memory that its owner is free to give back.
     const unsigned long none[3] = {0, 0, 0};

@@ -349,6 +349,10 @@ void GiQ::slotObjectAddedSA(HxObject* object)
 
 void GiQ::slotObjectRemovedSA(HxObject* object)
 {
+    if (!toolbox) { // it went with the window around it
+        if (object == labelData || object == imageData) editor->stopEditing();
+        return;
+    }
     for (QComboBox* box : {toolbox->wImageData, toolbox->wLabelData}) {
         const QSignalBlocker quiet(box);
         const bool wasChosen = comboObject(box, box->currentIndex()) == object;

@@ -76,6 +76,7 @@ void GiQ::initRangeSliders(HxData* image, float& min, float& max)
 
 void GiQ::emptySliders()
 {
+    if (!toolbox) return;
     QxColormapFullRangeSlider* dataSlider = toolbox->qxRangeSlider;
     {
         const QSignalBlocker quiet(dataSlider);

@@ -168,8 +168,8 @@ bool GiQFrameBuffer::pressOnBar(const QPoint& p)
 
 int GiQFrameBuffer::draggedSlice(const QPoint& p) const
 {
-    const float place = static_cast<float>(p.x() - grabOffset - kBarStart) / static_cast<float>(barLength());
-    return std::max(0, static_cast<int>(place * static_cast<float>(numSlices() - 1) + 0.5f));
+    const int place = (p.x() - grabOffset - kBarStart) * (numSlices() - 1);
+    return std::max(0, static_cast<int>(static_cast<float>(place) / static_cast<float>(barLength()) + 0.5f));
 }
 
 /// True if the pointer is over arrows or tick; cursor and brush outline follow.
@@ -177,7 +177,9 @@ bool GiQFrameBuffer::hoverOverBar(const QPoint& p)
 {
     const BarPart part = barPartAt(p);
     if (part == BarPart::kNone) {
-        leaveBar();
+        // kept: along the bar the pointer stays the one of the part that it touched last, and a press takes
+        // the tick, so that a hand which slips off the narrow tick does not mark voxels instead.
+        if (p.y() < widgetSize.y - kBarHeight) leaveBar();
         return false;
     }
     if (!overScrollBar) savedCursor = cursor();
@@ -283,6 +285,17 @@ void GiQFrameBuffer::translateKeyEvent(const QKeyEvent& event, int released)
     keyEvent.autoRepeat = event.isAutoRepeat();
 }
 
+bool GiQFrameBuffer::event(QEvent* event)
+{
+    // Over a slice the key saves the labels that are edited, whatever the window would save.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
 void GiQFrameBuffer::keyPressEvent(QKeyEvent* event)
 {
     translateKeyEvent(*event, 0);
@@ -298,6 +311,7 @@ void GiQFrameBuffer::keyReleaseEvent(QKeyEvent* event)
 void GiQFrameBuffer::resizeEvent(QResizeEvent* event)
 {
     widgetSize = McVec2i(std::max(1, event->size().width()), std::max(1, event->size().height()));
+    ready = event->size().width() > 0 && event->size().height() > 0;
     guarded([&] {
         fitMemory();
         if (numSlices() == 0) clear();

@@ -2,6 +2,7 @@
 // question which of them can be seen.
 
 #include "app/GiQ.h"
+#include "app/GiQTissueList.h"
 #include "app/GiQToolbox.h"
 #include "app/GiQViewer.h"
 #include "app/GiResetOrientationTool.h"
@@ -84,6 +85,8 @@ void GiQ::flipViewers()
 void GiQ::redraw()
 {
     Gi::redraw();
+    // A key over a slice can change how a material is drawn; its row follows.
+    if (toolbox) toolbox->tissueList->updateStates();
 }
 
 void GiQ::redrawViewAll()

@@ -3,6 +3,8 @@
 #include "hx/HxEditor.h"
 #include "mc/McVec.h"
 
+#include <QPointer>
+
 #include <memory>
 
 class GiFrameBuffer;
@@ -89,7 +91,7 @@ private:
     void handleKey(const McKeyboardEvent& event);
 
     std::unique_ptr<GiQ> gi;
-    GiQToolbox* toolbox = nullptr;     // the controller's
+    QPointer<GiQToolbox> toolbox;      // the controller's; a foreign window may take it along
     HxLatticeAccess* access = nullptr; // keeps the image memory in place while it is edited over
     bool preInitialised = false;
 };

@@ -343,6 +343,9 @@ void HxGiEditor::handleKey(const McKeyboardEvent& received)
         walk(*gi, *slices, event);
         return;
     }
+    // Chords of the menus, which get here only while their entry is disabled: they must not fall back to
+    // adding and subtracting.
+    if (event.ctrl && (event.key == '+' || event.key == '-')) return;
     for (const Command& bound : kCommands) {
         if (bound.key != event.key) continue;
         if (bound.act && (bound.repeats || !event.autoRepeat)) bound.act({*gi, *toolbox}, event);

@@ -82,6 +82,11 @@ HxGiSubApplication* HxGiSubApplication::instance()
     return theInstance;
 }
 
+void HxGiSubApplication::dropInstance()
+{
+    if (theInstance) theInstance->unref();
+}
+
 HxGiSubApplication::HxGiSubApplication()
 {
     setHelpFile("GI.html", "kelvane");
@@ -91,6 +96,12 @@ HxGiSubApplication::~HxGiSubApplication()
 {
     attachedEditor = nullptr;
     ownEditor = nullptr;
+    if (theInstance == this) theInstance = nullptr;
+}
+
+HxData* HxGiSubApplication::currentData()
+{
+    return ownEditor ? ownEditor->getLabelData() : nullptr;
 }
 
 void HxGiSubApplication::initClass()

@@ -13,11 +13,15 @@ class HxGiSubApplication : public HxSubApplication
 {
 public:
     static HxGiSubApplication* instance();
+    /// Lets go of it at the end of the program; the editor is deleted and stores what it remembers.
+    static void dropInstance();
     static void initClass();
     static HxBase* createInstance();
     static McTypeId getClassTypeId();
     McTypeId getTypeId() const override;
     ~HxGiSubApplication() override;
+    /// The labels that are edited; File/Save acts on them.
+    HxData* currentData() override;
     void onStart() override;
     void onStop() override;
 

@@ -21,7 +21,13 @@ void vorelpackage_kelvane_init()
     giAddWidgetCommands();
 }
 
-void vorelpackage_kelvane_finish() {} // the editor goes with the pool's objects
+void vorelpackage_kelvane_finish()
+{
+    static bool done = false;
+    if (done) return;
+    done = true;
+    HxGiSubApplication::dropInstance();
+}
 
 const char* vorelpackage_kelvane()
 {

@@ -27,7 +27,7 @@ public:
 
 public slots:
     /// Selects as the panel's two boxes say; without a panel the whole volume and all materials. One undo
-    /// step, whatever is selected. throws McMemoryException
+    /// step, whatever is selected. Memory that cannot be had is reported, and nothing changes.
     void compute();
 
 private:

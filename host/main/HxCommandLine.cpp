@@ -12,6 +12,8 @@ bool HxCommandLine::parse(int argc, char** argv, std::string& error)
             optionsEnded = true;
         } else if (word == "--headless") {
             headless = true;
+        } else if (word == "--in-window") {
+            inWindow = true;
         } else if (word == "--version") {
             showVersion = true;
         } else if (word == "--help") {
@@ -35,11 +37,13 @@ bool HxCommandLine::parse(int argc, char** argv, std::string& error)
 
 const char* HxCommandLine::usage()
 {
-    return "usage: vorel [--headless] [--eval TCL] [--preferences FILE] [--version] [--help] [FILE...]\n"
+    return "usage: vorel [--headless] [--in-window] [--eval TCL] [--preferences FILE] [--version] [--help] "
+           "[FILE...]\n"
            "\n"
            "Loads data files and runs files that end in .hx or .tcl, in the given order.\n"
            "\n"
            "  --headless          without a window or a display\n"
+           "  --in-window         editors open in the normal window, not in modes of their own\n"
            "  --eval TCL          runs a script after the files; may be repeated\n"
            "  --preferences FILE  reads and writes the preferences here\n"
            "  --version           prints the version\n"

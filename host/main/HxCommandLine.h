@@ -7,6 +7,7 @@
 struct HxCommandLine
 {
     bool headless = false;
+    bool inWindow = false; ///< no modes: editors take the normal window
     bool showVersion = false;
     bool showHelp = false;
     std::string preferencesFile;      ///< empty: none given

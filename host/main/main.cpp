@@ -116,7 +116,7 @@ void loadMaterials()
             kMaterialsFile);
 }
 
-void registerEverything()
+void registerEverything(const HxCommandLine& commandLine)
 {
     hxRegisterHostClasses();
     hxRegisterFileFormats();
@@ -125,6 +125,8 @@ void registerEverything()
     hxRegisterWindowCommands();
     loadMaterials();
     HxPackage::start();
+    // Editors look whether there are modes; without one they take the normal window.
+    if (commandLine.inWindow) HxResource::mSubApplications.clear();
 }
 
 bool isScript(const std::string& file)
@@ -234,7 +236,7 @@ int main(int argc, char** argv)
     HxWorkArea::catchSignals();
     HxInterpreter::getTheInterpreter();
     if (!chooseSettings(commandLine)) return kFailed;
-    registerEverything();
+    registerEverything(commandLine);
     // Ends before the application object.
     const auto window = std::make_unique<HxMain>();
     return commandLine.headless ? runWithoutWindow(commandLine) : runWindow(commandLine);
