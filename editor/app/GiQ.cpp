@@ -151,6 +151,12 @@ void GiQ::updateUndoSensitivity()
     if (undoAction) undoAction->setEnabled(canUndo());
 }
 
+void GiQ::stateRestored()
+{
+    // Voxels that come back can lie outside the slices in view.
+    checkForHiddenSelection();
+}
+
 void GiQ::sliceNumberChanged(GiViewer* viewer)
 {
     Gi::sliceNumberChanged(viewer);

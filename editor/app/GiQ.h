@@ -59,13 +59,14 @@ public:
     void redraw() override;
     using Gi::redraw;
     void updateUndoSensitivity() override;
+    void stateRestored() override;
     void sliceNumberChanged(GiViewer* viewer) override;
     void touchData(int selectionTouched, int labelsTouched, int orientation, int slice, int, int) override;
     void set3dMode(bool on) override;
     void setZoomMode(bool allViewers) override;
     /// The two masking switches are the toolbox's check boxes; their signals do the rest.
     void setMaskingEnabled(bool on) override;
-    void setMaskingOverlay(bool on);
+    void setMaskingOverlay(bool on) override;
     bool maskingEnabled() const override;
     void setTool(int index) override;
     int getPickedVoxel(HxViewer* viewer, int x, int y, McVec3i& voxel, float& value) override;

@@ -293,7 +293,7 @@ void GiQ::newLabelDataSA()
         scanSuspended = true;
         editor->stopEditing();
         editor->startEditing(labels);
-        setMenuEnabled(true);
+        setMenuEnabled(labelData != nullptr); // null if the editor refused them
         scanSuspended = false;
         emit hiddenSelectionDetected(0);
     } catch (const McException& e) {

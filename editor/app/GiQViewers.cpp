@@ -158,6 +158,7 @@ void GiQ::takePanel()
     panel->setLayoutNumber(ownLayout);
     panel->setRelayoutHeld(false);
     panel->reconfigure();
+    checkForHiddenSelection(); // until now no viewer had its place
 }
 
 void GiQ::givePanelBack()

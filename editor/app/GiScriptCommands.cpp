@@ -93,12 +93,6 @@ int segment(Tcl_Interp* interp, int count, const char* const* words)
 
 // material
 
-GiQ* editedGi()
-{
-    HxGiEditor* editor = HxGiSubApplication::instance()->getEditor();
-    return editor && editor->getLabelData() ? editor->getGi() : nullptr;
-}
-
 /// Everything below goes the way of the list's own widgets, so that list, tables and viewers agree.
 GiQTissueList& tissueList(GiQ& gi)
 {
@@ -205,7 +199,7 @@ int materialShow3D(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
 int material(Tcl_Interp* interp, int count, const char* const* words)
 {
     if (count != 3 && count != 4) return HxScriptCommands::wrongArguments(interp, "material");
-    GiQ* gi = editedGi();
+    GiQ* gi = HxGiEditor::activeGi();
     if (!gi) return fail(interp, "material: no label field is open; use segment first.");
     int index;
     if (Tcl_GetInt(interp, words[1], &index) != TCL_OK)

@@ -5,7 +5,6 @@
 #include "app/GiSnapshot.h"
 #include "app/GiViewEvents.h"
 #include "app/HxGiEditor.h"
-#include "app/HxGiSubApplication.h"
 #include "display/GiViewer.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
@@ -160,8 +159,7 @@ int view(Tcl_Interp* interp, int count, const char* const* words)
         Tcl_VaSetResult(interp, "%s", ("view: " + text).c_str());
         return TCL_ERROR;
     };
-    HxGiEditor* editor = HxGiSubApplication::instance()->getEditor();
-    GiQ* gi = editor && editor->getLabelData() ? editor->getGi() : nullptr;
+    GiQ* gi = HxGiEditor::activeGi();
     if (!gi) return fail("no label field is open; use segment first.");
     int index;
     if (Tcl_GetInt(interp, words[1], &index) != TCL_OK || index < 0 || index >= gi->viewers.size())

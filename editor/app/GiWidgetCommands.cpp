@@ -4,7 +4,6 @@
 #include "app/GiQToolbox.h"
 #include "app/GiWidgetValue.h"
 #include "app/HxGiEditor.h"
-#include "app/HxGiSubApplication.h"
 #include "filters/GiFilter.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
@@ -36,12 +35,6 @@ struct Call
 std::string quoted(const char* word)
 {
     return std::string("\"") + word + "\"";
-}
-
-GiQ* editedGi()
-{
-    HxGiEditor* editor = HxGiSubApplication::instance()->getEditor();
-    return editor && editor->getLabelData() ? editor->getGi() : nullptr;
 }
 
 /// Qt's own parts of a widget have names of this kind, or none.
@@ -89,7 +82,7 @@ int tool(Tcl_Interp* interp, int count, const char* const* words)
 {
     const Call call{interp, count, words};
     if (count < 2) return HxScriptCommands::wrongArguments(interp, words[0]);
-    GiQ* gi = editedGi();
+    GiQ* gi = HxGiEditor::activeGi();
     if (!gi) return call.noData();
     int index;
     if (Tcl_GetInt(interp, words[1], &index) != TCL_OK || index < 0 || index >= gi->tools.size() ||
@@ -103,7 +96,7 @@ int tool(Tcl_Interp* interp, int count, const char* const* words)
 int toolbox(Tcl_Interp* interp, int count, const char* const* words)
 {
     const Call call{interp, count, words};
-    GiQ* gi = editedGi();
+    GiQ* gi = HxGiEditor::activeGi();
     if (!gi || !gi->getToolbox()) return call.noData();
     // Panels of tools lie in the toolbox and name their widgets alike.
     const auto isOwn = [gi](const QWidget* widget) {
@@ -136,7 +129,7 @@ int filter(Tcl_Interp* interp, int count, const char* const* words)
 {
     const Call call{interp, count, words};
     if (count < 2) return HxScriptCommands::wrongArguments(interp, words[0]);
-    GiQ* gi = editedGi();
+    GiQ* gi = HxGiEditor::activeGi();
     if (!gi) return call.noData();
     GiFilter* found = findFilter(*gi, words[1]);
     if (!found) return call.fail("there is no filter " + quoted(words[1]) + ".");

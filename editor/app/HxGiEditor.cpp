@@ -107,6 +107,17 @@ bool HxGiEditor::typeCheck(HxData* data)
     return mcinterface_cast<HxMutableLabelLattice>(data) || mcinterface_cast<HxLabelLattice3>(data);
 }
 
+GiQ* HxGiEditor::activeGi()
+{
+    HxGiEditor* own = HxGiSubApplication::instance()->getEditor();
+    if (own && own->getLabelData()) return own->getGi();
+    for (HxEditor* other : HxEditor::all()) {
+        auto* editor = dynamic_cast<HxGiEditor*>(other);
+        if (editor && editor->getLabelData()) return editor->getGi();
+    }
+    return nullptr;
+}
+
 HxData* HxGiEditor::getLabelData() const
 {
     return gi ? gi->labelData : nullptr;

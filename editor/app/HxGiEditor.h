@@ -57,6 +57,10 @@ public:
     /// The sub-application is about to be left: the material list ends what is being typed.
     void notifyStop();
 
+    /// The controller that scripts speak to: the sub-application's, else one that edits in the host's
+    /// windows. Null if nothing is edited.
+    static GiQ* activeGi();
+
     HxData* getLabelData() const;
     /// Show the window before any data is there.
     void preInit(float min, float max, const McHistogram& histogram);

@@ -61,6 +61,8 @@ public:
     virtual void setToolDataWindowSliderTracking(bool on) = 0;
     virtual bool toolDataWindowSliderTracking() = 0;
     virtual void setMaskingEnabled(bool on) = 0;
+    /// Shows what masking leaves out.
+    virtual void setMaskingOverlay(bool) {}
     virtual bool maskingEnabled() const = 0;
     /// Draws every viewer anew.
     virtual void redraw();
@@ -75,6 +77,8 @@ public:
     virtual void touchData(int selectionTouched, int labelsTouched, int orientation, int slice, int, int);
     virtual void setZoomFactor(float zoom);
     virtual void updateUndoSensitivity() {}
+    /// Undo or redo has brought back an earlier state; it is not announced by touchData().
+    virtual void stateRestored() {}
     /// Voxel under pixel (x, y) of a 3D viewer; 0 if nothing is hit.
     virtual int getPickedVoxel(HxViewer* viewer, int x, int y, McVec3i& voxel, float& value) = 0;
     /// A viewer went to another slice: the cross hair follows.

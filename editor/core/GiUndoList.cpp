@@ -109,6 +109,7 @@ void Gi::undo()
     updateSelectionBoxes();
     redraw();
     updateUndoSensitivity();
+    stateRestored();
 }
 
 void Gi::redo()
@@ -122,6 +123,7 @@ void Gi::redo()
         undoActions.append(newest);
     }
     updateUndoSensitivity();
+    stateRestored();
 }
 
 void Gi::clearUndo(int clearInterpolated)
