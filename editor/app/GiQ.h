@@ -109,6 +109,8 @@ public:
     void preInitShowOnly();
     /// Every viewer of the panel, the foreign ones too.
     void redrawViewAll();
+    /// Gives the keys to the active viewer, if it is one of the editor's.
+    void focusViewer();
     /// One viewer alone, or all.
     void changeViewerLayout();
     /// Makes the viewer active and current; it must be one of the panel's.
@@ -256,7 +258,7 @@ private:
     McHandle<HxColormap> colormap;
     int formerLayout;
     int ownLayout;
-    QList<HxViewerBase*> formerViewers;
+    QList<McHandle<HxViewerBase>> formerViewers; // kept, so that they can come back
     QList<HxViewerBase*> registeredViewers;
     QList<QAction*> menuActions; // the menus' own entries in the bar
     QList<QAction*> deadActions; // entries whose operation is not part of this build

@@ -11,6 +11,7 @@
 #include "hx/HxLatticeCoords.h"
 #include "hx/HxMessage.h"
 #include "hx/HxObjectPool.h"
+#include "hx/HxOrientation.h"
 #include "hx/HxResource.h"
 #include "hx/HxSubApplication.h"
 #include "mc/McException.h"
@@ -312,6 +313,8 @@ HxLabelField3* GiQ::makeLabelField(HxRegScalarField3* image) const
     lattice->clear();
     labels->touchMinMax(0, 0, 1);
     labels->imageConnection().connect(image);
+    // Saved labels must lie where the image lies, for other programs too.
+    HxOrientation::copy(image->parameters, labels->parameters);
     auto* inside = new HxParamBundle("Inside");
     inside->set("Color", "0.64 0 0.8");
     labels->materials()->insert(inside);

@@ -316,6 +316,8 @@ void GiQFrameBuffer::resizeEvent(QResizeEvent* event)
         fitMemory();
         if (numSlices() == 0) clear();
         render(nullptr);
-        paste();
     });
+    // Not painted at once: the window around is still being laid out, and what it has yet to paint would keep
+    // pixels of the former layout.
+    update();
 }

@@ -14,10 +14,12 @@
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiTool.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
@@ -75,6 +77,9 @@ GiQToolbox::GiQToolbox(GiQ* owner, QWidget* parent) : QWidget(parent), gi(owner)
     connectButtons();
     connectWidgets();
     addTools();
+    // A click on a button leaves the keys with the viewer; who goes through the toolbox by keys still can.
+    for (QAbstractButton* button : findChildren<QAbstractButton*>())
+        if (button->focusPolicy() != Qt::NoFocus) button->setFocusPolicy(Qt::TabFocus);
 }
 
 GiQToolbox::~GiQToolbox() = default;
@@ -206,6 +211,17 @@ void GiQToolbox::setTool(int n)
 void GiQToolbox::setActiveTool(QAction* action)
 {
     setTool(action->data().toInt());
+    gi->focusViewer();
+}
+
+/// Return and Escape come here from fields that are done with them: what was typed counts, and the next key
+/// is meant for the slice.
+void GiQToolbox::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Escape)
+        gi->focusViewer();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 // Scope of selection and zoom

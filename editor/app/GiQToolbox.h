@@ -66,6 +66,7 @@ public slots:
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void makeToolArea();

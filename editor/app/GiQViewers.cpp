@@ -187,6 +187,11 @@ void GiQ::changeViewerLayout()
 {
     const int several = mode == kSubApplicationMode ? kFourViewers : kThreeViewers;
     panel->setLayoutNumber(panel->layoutNumber() != kOneViewer ? kOneViewer : several);
+    focusViewer();
+}
+
+void GiQ::focusViewer()
+{
     HxViewerBase* active = panel->getActiveViewer();
     if (isOwnViewer(active) && active->getWidget()) active->getWidget()->setFocus(Qt::OtherFocusReason);
 }

@@ -84,6 +84,7 @@ int segment(Tcl_Interp* interp, int count, const char* const* words)
         if (!image || !checkImage(interp, labels, image)) return TCL_ERROR;
     }
     HxGiSubApplication* application = HxGiSubApplication::instance();
+    HxGiEditor::clearWindow();
     application->open(labels, image);
     if (application->getEditor()->getLabelData() != labels)
         return fail(interp, std::string("segment: \"") + words[1] + "\" could not be opened.");

@@ -4,9 +4,12 @@
 #include "app/GiQFrameBuffer.h"
 #include "display/GiViewer.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QWheelEvent>
 
@@ -182,6 +185,24 @@ bool keyOf(const std::string& name, Qt::KeyboardModifiers modifiers, int& key, Q
     return true;
 }
 
+/// What the window does with a key before any widget sees it: true if an enabled entry of its menus has it.
+bool triggerShortcut(const QList<QAction*>& entries, const QKeySequence& pressed)
+{
+    for (QAction* entry : entries) {
+        if (entry->menu() && triggerShortcut(entry->menu()->actions(), pressed)) return true;
+        if (entry->menu() || !entry->isEnabled() || !entry->shortcuts().contains(pressed)) continue;
+        entry->trigger();
+        return true;
+    }
+    return false;
+}
+
+bool isMenuKey(const GiQFrameBuffer& buffer, int key, Qt::KeyboardModifiers modifiers)
+{
+    const auto* bar = buffer.window()->findChild<QMenuBar*>();
+    return bar && triggerShortcut(bar->actions(), QKeyCombination(modifiers, static_cast<Qt::Key>(key)));
+}
+
 bool sendKey(const Call& call)
 {
     if (call.count < 2) return call.fail("event key needs the name of a key.");
@@ -194,6 +215,10 @@ bool sendKey(const Call& call)
     // Keys go where the focus is, and a person who types into a viewer has clicked it before.
     call.gi.activateViewer(&call.viewer);
     call.buffer.setFocus(Qt::OtherFocusReason);
+    QKeyEvent offer(QEvent::ShortcutOverride, key, extras.modifiers, text);
+    offer.ignore();
+    QCoreApplication::sendEvent(&call.buffer, &offer);
+    if (!offer.isAccepted() && isMenuKey(call.buffer, key, extras.modifiers)) return true;
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
         QKeyEvent event(type, key, extras.modifiers, text);
         QCoreApplication::sendEvent(&call.buffer, &event);

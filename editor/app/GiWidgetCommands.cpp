@@ -4,6 +4,7 @@
 #include "app/GiQToolbox.h"
 #include "app/GiWidgetValue.h"
 #include "app/HxGiEditor.h"
+#include "app/HxGiSubApplication.h"
 #include "filters/GiFilter.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
@@ -97,6 +98,9 @@ int toolbox(Tcl_Interp* interp, int count, const char* const* words)
 {
     const Call call{interp, count, words};
     GiQ* gi = HxGiEditor::activeGi();
+    // Its combo boxes and "New" serve before there are labels, while the mode runs.
+    HxGiEditor* own = HxGiSubApplication::instance()->getEditor();
+    if (!gi && own && HxSubApplication::running()) gi = own->getGi();
     if (!gi || !gi->getToolbox()) return call.noData();
     // Panels of tools lie in the toolbox and name their widgets alike.
     const auto isOwn = [gi](const QWidget* widget) {

@@ -10,9 +10,11 @@
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPointer>
 #include <QRadioButton>
 #include <QSpinBox>
+#include <QToolButton>
 #include <QWidget>
 
 #include <charconv>
@@ -44,8 +46,29 @@ std::optional<double> real(const QString& text)
 
 // One kind of widget per function: false with the complaint in `text`.
 
+/// Chooses an entry of the button's menu; opening the menu would wait for a hand.
+bool chooseEntry(QMenu& menu, const QString& value, QString& text)
+{
+    emit menu.aboutToShow();
+    QStringList entries;
+    for (QAction* action : menu.actions()) {
+        const QString name = action->text().remove('&');
+        entries.append(name);
+        if (name != value) continue;
+        if (action->isEnabled())
+            action->trigger();
+        else
+            text = QString("has its entry %1 disabled.").arg(value);
+        return action->isEnabled();
+    }
+    text = QString("opens a menu; its values are its entries: %1.").arg(entries.join(", "));
+    return false;
+}
+
 bool setButton(QAbstractButton& button, const QString& value, QString& text)
 {
+    if (auto* opener = qobject_cast<QToolButton*>(&button); opener && opener->menu())
+        return chooseEntry(*opener->menu(), value, text);
     if (value == "click") {
         button.click();
         return true;

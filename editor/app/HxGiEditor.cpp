@@ -56,6 +56,7 @@ HxGiEditor::HxGiEditor() : HxEditor(HxMutableLabelLattice::getClassTypeId())
 {
     setLabel("HxGiEditor");
     if (HxSubApplication::hasSubApplications()) return;
+    clearWindow();
     gi = std::make_unique<GiQProtected>(this);
     init();
 }
@@ -105,6 +106,23 @@ McTypeId HxGiEditor::getTypeId() const
 bool HxGiEditor::typeCheck(HxData* data)
 {
     return mcinterface_cast<HxMutableLabelLattice>(data) || mcinterface_cast<HxLabelLattice3>(data);
+}
+
+void HxGiEditor::clearWindow()
+{
+    constexpr int kHostMode = 0;
+    const auto inWindow = [](HxEditor* other) {
+        const auto* editor = dynamic_cast<HxGiEditor*>(other);
+        return editor && editor->gi && editor->gi->getMode() == kHostMode && editor->data();
+    };
+    // Detaching may delete the editor, and with it change the list.
+    for (;;) {
+        const auto& editors = HxEditor::all();
+        const auto found = std::find_if(editors.begin(), editors.end(), inWindow);
+        if (found == editors.end()) return;
+        const McHandle<HxEditor> leaving(*found);
+        leaving->detach();
+    }
 }
 
 GiQ* HxGiEditor::activeGi()

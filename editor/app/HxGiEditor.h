@@ -61,6 +61,9 @@ public:
     /// windows. Null if nothing is edited.
     static GiQ* activeGi();
 
+    /// Detaches the editors in the host's normal window, which has room for one at a time.
+    static void clearWindow();
+
     HxData* getLabelData() const;
     /// Show the window before any data is there.
     void preInit(float min, float max, const McHistogram& histogram);

@@ -384,7 +384,7 @@ constexpr Command kCommands[] = {
      "removes small islands of materials"},
     {"undo", undo, "undo", "takes back the last change"},
     {"redo", redo, "redo", "repeats a change that was taken back"},
-    {"setMaxAlpha", setMaxAlpha, "setMaxAlpha A", "weight of the selection's colour, 0 to 255"},
+    {"setMaxAlpha", setMaxAlpha, "setMaxAlpha A", "weight of the selection's color, 0 to 255"},
     {"setTool", setTool, "setTool T", "makes a tool the active one"},
     {"clear", clearSelection, "clear ?3D?", "clears the slice's or the volume's selection"},
     {"replace", replaceBySelection, "replace ?3D?", "replaces the touched pieces of the current material"},

@@ -132,6 +132,7 @@ void HxGiSubApplication::onStart()
         startEditing(nullptr, nullptr);
     if (GiQ* gi = ownEditor->getGi()) gi->addMenu();
     HxSubApplication::onStart();
+    if (GiQ* gi = ownEditor->getGi()) gi->focusViewer();
 }
 
 void HxGiSubApplication::onStop()

@@ -39,6 +39,12 @@ run "Tcl's exit is the same" $vorel --headless --eval {exit 6; echo never}
 run "a missing script" $vorel --headless missing.tcl
 run "a broken data file" $vorel --headless broken.nrrd good.tcl
 
+# With a window, here one of a platform without a screen, the rest goes on behind data that cannot be read.
+set window [list env QT_QPA_PLATFORM=offscreen $vorel --preferences window.ini]
+run "a broken data file in a window" {*}$window broken.nrrd good.tcl missing.nrrd --eval {quit 3}
+run "a failing script in a window" {*}$window good.tcl bad.hx good.tcl --eval {echo never}
+run "a failing text in a window" {*}$window --eval {nonsense 1 2} --eval {echo never}
+
 run "standard input" $vorel --headless << "proc p {} {\n  echo from p\n}\np\necho done"
 run "standard input stops at an error" $vorel --headless << "echo one\nfoo\necho two\n"
 run "standard input that ends too early" $vorel --headless << "echo one\nproc p \{\} \{\n"

@@ -50,6 +50,14 @@ view 0 event key Left
 view 0 event leave
 echo "viewer 0: slice [view 0 slice]"
 
+# Keys of the menus reach them, as from a person's hands.
+view 2 event press 20 12 left
+view 2 event release 20 12
+view 2 event key a
+set added [$labels count 1]
+view 2 event key z ctrl
+echo "Ctrl+Z took back [expr {$added - [$labels count 1]}] of $added"
+
 foreach line {{press 12} {press 90 12} {move 1 1 upper} {key Hyper} {key a left} {wheel fast} {jump 1 1}} {
     catch {view 2 event {*}$line} message
     echo $message

@@ -33,6 +33,12 @@ try windowSnapshot /no/such/folder/window.png
 
 # Without a file dialog nothing is chosen, and the program says so.
 menu "Object/Save As"
+answerFile
+menu "Object/Save As"
+try answerFile ""
+answerFile again.seg.nrrd
+menu "Object/Save As"
+echo "written: [file exists again.seg.nrrd]"
 
 # A question that nobody answers keeps the changes, and the program with them.
 $labels parameters Materials/Inside/Color "1 0 0"

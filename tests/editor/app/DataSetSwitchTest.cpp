@@ -1,6 +1,7 @@
 // The choice of image and labels in the toolbox, and what the pool's coming and going does to it.
 
 #include "WindowSession.h"
+#include "hx/HxOrientation.h"
 
 class DataSetSwitch : public WindowSession
 {
@@ -123,6 +124,9 @@ TEST_F(DataSetSwitch, NewMakesAFieldToDrawInto)
     HxUniformScalarField3* image = addImage("brain.nrrd");
     const float box[6] = {0, 8, 0, 6, 0, 2};
     image->coords()->setBoundingBox(box);
+    HxOrientation turned;
+    turned.directions[0] = turned.directions[4] = -1;
+    turned.write(image->parameters);
     start();
     EXPECT_EQ(images().front(), "*brain.nrrd");
     click(toolbox().wNewLabels);
@@ -132,6 +136,9 @@ TEST_F(DataSetSwitch, NewMakesAFieldToDrawInto)
     auto* labels = dynamic_cast<HxLabelField3*>(gi()->labelData);
     EXPECT_EQ(labels->imageConnection().source(), image);
     EXPECT_EQ(labels->coords()->boundingBox()[1], 8);
+    HxOrientation kept;
+    EXPECT_TRUE(HxOrientation::read(labels->parameters, kept));
+    EXPECT_EQ(kept.directions[4], -1) << "saved labels lie where the image lies";
     EXPECT_EQ(gi()->currentTissue, 1);
     EXPECT_EQ(gi()->materialColors[1][2], 204);
     EXPECT_TRUE(toolbox().addSelectionButton->isEnabled());
