@@ -9,16 +9,17 @@ class QxPushButton : public QPushButton
     Q_OBJECT
 
 public:
-    explicit QxPushButton(QWidget* parent = nullptr) : QPushButton(parent) {}
-    explicit QxPushButton(const QString& text, QWidget* parent = nullptr) : QPushButton(text, parent) {}
+    explicit QxPushButton(QWidget* parent = nullptr);
+    explicit QxPushButton(const QString& text, QWidget* parent = nullptr);
 
     /// None before the first press, and after a press by the keyboard or by click().
     Qt::KeyboardModifiers modifiers() const { return pressModifiers; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     Qt::KeyboardModifiers pressModifiers;
+    bool mouseHolds = false; // from a press of the mouse to its release
 };

@@ -9,15 +9,16 @@ class QxToolButton : public QToolButton
     Q_OBJECT
 
 public:
-    explicit QxToolButton(QWidget* parent = nullptr) : QToolButton(parent) {}
+    explicit QxToolButton(QWidget* parent = nullptr);
 
     /// None before the first press, and after a press by the keyboard or by click().
     Qt::KeyboardModifiers modifiers() const { return pressModifiers; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     Qt::KeyboardModifiers pressModifiers;
+    bool mouseHolds = false; // from a press of the mouse to its release
 };

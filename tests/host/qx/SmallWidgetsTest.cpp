@@ -188,6 +188,10 @@ TEST(ModifierButtons, RememberTheKeysOfThePress)
         EXPECT_EQ(button.modifiers(), Qt::ShiftModifier);
         QTest::keyClick(&button, Qt::Key_Space);
         EXPECT_EQ(button.modifiers(), Qt::NoModifier);
+        QTest::mouseClick(&button, Qt::LeftButton, Qt::ControlModifier);
+        EXPECT_EQ(button.modifiers(), Qt::ControlModifier);
+        button.click();
+        EXPECT_EQ(button.modifiers(), Qt::NoModifier);
     };
     check(push);
     check(tool);
