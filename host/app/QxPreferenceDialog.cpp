@@ -37,7 +37,6 @@ QxPreferenceDialog::QxPreferenceDialog(QWidget* parent) : QDialog(parent), pages
     setWindowTitle(tr("Preferences"));
     pages->setObjectName("pages");
     pages->addTab(makeSegmentationPage(), tr("Segmentation"));
-    pages->addTab(makeGeneralPage(), tr("General"));
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QxPreferenceDialog::accept);
@@ -83,22 +82,16 @@ QWidget* QxPreferenceDialog::makeSegmentationPage()
     anatomicalNames->setObjectName("anatomicalNames");
     form->addRow(QString(), anatomicalNames);
 
-    connect(alpha, &QSlider::valueChanged, alphaValue, &QSpinBox::setValue);
-    connect(alphaValue, &QSpinBox::valueChanged, alpha, &QSlider::setValue);
-    connect(alpha, &QSlider::valueChanged, this, &QxPreferenceDialog::preview);
-    connect(drawStyle, &QComboBox::currentIndexChanged, this, &QxPreferenceDialog::preview);
-    return page;
-}
-
-QWidget* QxPreferenceDialog::makeGeneralPage()
-{
-    auto* page = new QWidget;
-    auto* form = new QFormLayout(page);
     threads = new QSpinBox(page);
     threads->setObjectName("numThreads");
     threads->setRange(1, kMostThreads);
     threads->setToolTip(tr("Threads that a long operation may use"));
     form->addRow(tr("Threads:"), threads);
+
+    connect(alpha, &QSlider::valueChanged, alphaValue, &QSpinBox::setValue);
+    connect(alphaValue, &QSpinBox::valueChanged, alpha, &QSlider::setValue);
+    connect(alpha, &QSlider::valueChanged, this, &QxPreferenceDialog::preview);
+    connect(drawStyle, &QComboBox::currentIndexChanged, this, &QxPreferenceDialog::preview);
     return page;
 }
 

@@ -21,8 +21,8 @@ class QxPreferenceDialog : public QDialog
 public:
     static QxPreferenceDialog* getThePreferenceDialog();
 
-    /// Opens the dialog, with the stored values unless it is open already, at the page of this title:
-    /// "Segmentation" or "General". An unknown one leaves the page as it is.
+    /// Opens the dialog, with the stored values unless it is open already, at the page of this title; there
+    /// is "Segmentation". An unknown one leaves the page as it is.
     void showPage(const char* page);
 
     void accept() override;
@@ -38,7 +38,6 @@ private:
     explicit QxPreferenceDialog(QWidget* parent);
 
     QWidget* makeSegmentationPage();
-    QWidget* makeGeneralPage();
     void load(const HxPreferences& preferences);
     void preview();
 
