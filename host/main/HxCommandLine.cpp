@@ -51,7 +51,9 @@ const char* HxCommandLine::usage()
            "\n"
            "Opens a window; with --headless it runs to the end of the files and scripts instead, and "
            "without\n"
-           "any it reads commands from standard input.\n"
-           "The exit code is 0, 1 after a failed file or script, 2 after a wrong option, or that of "
+           "any it reads commands from standard input. A script that fails ends the program; so does a "
+           "data\n"
+           "file that cannot be read, but with a window the rest goes on.\n"
+           "The exit code is 0, 1 after such an end, 2 after a wrong option, or that of "
            "`quit`.\n";
 }

@@ -25,6 +25,8 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <tcl.h>
 #include <unistd.h>
 
@@ -77,9 +79,10 @@ void dropDisplayRemarks(QtMsgType type, const QMessageLogContext& context, const
 std::unique_ptr<QApplication> makeApplication(int& argc, char** argv, bool headless)
 {
     if (headless) qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(headless ? dropDisplayRemarks : reportStart);
+    const bool hasScreen = qgetenv("QT_QPA_PLATFORM") != "offscreen";
+    qInstallMessageHandler(hasScreen ? reportStart : dropDisplayRemarks);
     auto application = std::make_unique<QApplication>(argc, argv);
-    if (!headless) qInstallMessageHandler(nullptr);
+    if (hasScreen) qInstallMessageHandler(nullptr);
     QApplication::setApplicationDisplayName("Vorel");
     QApplication::setApplicationVersion(VOREL_VERSION);
     return application;
@@ -145,29 +148,34 @@ int loadData(const std::string& file, McString& result)
     return code;
 }
 
-/// Runs what the command line names. Returns the exit code; 0 unless something failed or asked to quit.
-int runArguments(const HxCommandLine& commandLine, const std::function<void(const char* message)>& report)
+/// Who hears of what fails on the command line.
+struct FailureReports
+{
+    std::function<void(const char* message)> script;
+    std::function<bool(const char* message)> data; // true: the rest is to run
+};
+
+/// Runs what the command line names, up to the first script that fails or quits. Returns the exit code, none
+/// if all has run.
+std::optional<int> runArguments(const HxCommandLine& commandLine, const FailureReports& reports)
 {
     HxInterpreter* interpreter = HxInterpreter::getTheInterpreter();
     McString result;
-    const auto failed = [&](int code, const McString& message) {
-        if (code != TCL_ERROR || interpreter->quitCode()) return false;
-        report(message);
-        return true;
+    const auto endOfScript = [&](int code) -> std::optional<int> {
+        if (interpreter->quitCode() || code != TCL_ERROR) return interpreter->quitCode();
+        reports.script(interpreter->errorText());
+        return kFailed;
     };
     for (const std::string& file : commandLine.files) {
-        const bool script = isScript(file);
-        const int code = script ? interpreter->evalFile(file.c_str(), result) : loadData(file, result);
-        // A data file fails for a reason of its own, a script somewhere in its lines.
-        if (failed(code, script ? interpreter->errorText() : result)) return kFailed;
-        if (interpreter->quitCode()) return *interpreter->quitCode();
+        if (isScript(file)) {
+            if (const auto end = endOfScript(interpreter->evalFile(file.c_str(), result))) return end;
+        } else if (loadData(file, result) == TCL_ERROR && !reports.data(result)) {
+            return kFailed;
+        }
     }
-    for (const std::string& script : commandLine.scripts) {
-        const int code = interpreter->eval(script.c_str(), result);
-        if (failed(code, interpreter->errorText())) return kFailed;
-        if (interpreter->quitCode()) return *interpreter->quitCode();
-    }
-    return 0;
+    for (const std::string& script : commandLine.scripts)
+        if (const auto end = endOfScript(interpreter->eval(script.c_str(), result))) return end;
+    return std::nullopt;
 }
 
 /// Takes everything down while the libraries and the application object still stand.
@@ -185,13 +193,31 @@ int runWithoutWindow(const HxCommandLine& commandLine)
     TerminalWorkArea progress(HxMain::getTheMain()->workArea());
     if (isatty(STDERR_FILENO)) HxWorkArea::getTheWorkArea()->setView(&progress);
     const bool nothingToRun = commandLine.files.empty() && commandLine.scripts.empty();
+    const auto print = [](const char* message) {
+        std::fprintf(stderr, "%s\n", message);
+        return false;
+    };
     const int code =
-        nothingToRun
-            ? HxScriptShell().run()
-            : runArguments(commandLine, [](const char* message) { std::fprintf(stderr, "%s\n", message); });
+        nothingToRun ? HxScriptShell().run() : runArguments(commandLine, {print, print}).value_or(0);
     shutDown();
     HxWorkArea::getTheWorkArea()->setView(nullptr);
     return code;
+}
+
+/// A failing script ends the program; files that cannot be read are told together, when all else is done.
+void runArgumentsInWindow(const HxCommandLine& commandLine)
+{
+    const auto print = [](const char* message) { HxMessage::getTheMsg()->printf("%s", message); };
+    std::string unreadable;
+    const auto collect = [&](const char* message) {
+        print(message);
+        unreadable += (unreadable.empty() ? "" : "\n") + std::string(message);
+        return true;
+    };
+    if (const auto code = runArguments(commandLine, {print, collect}))
+        QCoreApplication::exit(*code);
+    else if (!unreadable.empty())
+        HxMessage::getTheMsg()->error("%s", unreadable.c_str());
 }
 
 /// Opens the window, runs what the command line names, and leaves the rest to the person.
@@ -201,12 +227,7 @@ int runWindow(const HxCommandLine& commandLine)
     window->takeMessages();
     window->show();
     const HxTclEvents tclEvents([](int code) { QCoreApplication::exit(code); });
-    QTimer::singleShot(0, window, [&commandLine] {
-        runArguments(commandLine, [](const char* message) {
-            HxMessage::getTheMsg()->printf("%s", message);
-            HxMessage::getTheMsg()->error("%s", message);
-        });
-    });
+    QTimer::singleShot(0, window, [&commandLine] { runArgumentsInWindow(commandLine); });
     const int code = QApplication::exec();
     shutDown();
     return code;
