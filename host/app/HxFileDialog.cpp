@@ -14,23 +14,22 @@ namespace {
 struct Format
 {
     const char* title;
-    const char* patterns; // as a file dialog wants them; the first is the suffix of a new file
-    bool canBeWritten;
+    const char* read;  // patterns as a file dialog wants them
+    const char* write; // the first is the suffix of a new file; null if it cannot be written
+    bool onlyLabels = false;
 };
 
 constexpr Format kFormats[] = {
-    {QT_TRANSLATE_NOOP("HxFileDialog", "NRRD"), "*.nrrd *.nhdr", true},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "NRRD segmentation"), "*.seg.nrrd", true},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "NIfTI, compressed"), "*.nii.gz", true},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "NIfTI"), "*.nii *.hdr *.img", true},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "MetaImage"), "*.mha *.mhd", true},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "TIFF"), "*.tif *.tiff", true},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "DICOM"), "*.dcm *.dicom *.ima", false},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "Pictures"), "*.png *.jpg *.jpeg *.bmp", false},
-    {QT_TRANSLATE_NOOP("HxFileDialog", "Scripts"), "*.hx *.tcl", false},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "NRRD"), "*.nrrd *.nhdr", "*.nrrd"},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "NRRD segmentation"), "*.seg.nrrd", "*.seg.nrrd", true},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "NIfTI, compressed"), "*.nii.gz", "*.nii.gz"},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "NIfTI"), "*.nii *.hdr *.img", "*.nii"},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "MetaImage"), "*.mha *.mhd", "*.mha *.mhd"},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "TIFF"), "*.tif *.tiff", "*.tif *.tiff"},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "DICOM"), "*.dcm *.dicom *.ima", nullptr},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "Pictures"), "*.png *.jpg *.jpeg *.bmp", nullptr},
+    {QT_TRANSLATE_NOOP("HxFileDialog", "Scripts"), "*.hx *.tcl", nullptr},
 };
-
-constexpr const char* kWritableSuffixes[] = {".nrrd", ".nii", ".nii.gz", ".mha", ".mhd", ".tif", ".tiff"};
 
 std::optional<QStringList>& nextAnswer()
 {
@@ -55,9 +54,9 @@ QString translated(const char* text)
     return QCoreApplication::translate("HxFileDialog", text);
 }
 
-QString filter(const Format& format)
+QString filter(const char* title, const char* patterns)
 {
-    return QString("%1 (%2)").arg(translated(format.title), format.patterns);
+    return QString("%1 (%2)").arg(translated(title), patterns);
 }
 
 QString openFilters()
@@ -65,25 +64,42 @@ QString openFilters()
     QStringList all;
     QStringList each;
     for (const Format& format : kFormats) {
-        all.append(format.patterns);
-        each.append(filter(format));
+        all.append(format.read);
+        each.append(filter(format.title, format.read));
     }
     return QString("%1 (%2);;").arg(translated("All that can be read"), all.join(' ')) + each.join(";;") +
            ";;" + translated("All files") + " (*)";
 }
 
-QString saveFilters()
+/// Suffixes, with their dots, of the format's files that can be written; the first is that of a new one.
+QStringList suffixes(const Format& format)
 {
     QStringList each;
+    for (const QString& pattern : QString(format.write).split(' ', Qt::SkipEmptyParts))
+        each.append(pattern.mid(1));
+    return each;
+}
+
+/// That with the longest suffix of those that fit the name, as .seg.nrrd is also .nrrd; null if none does.
+const Format* formatOf(const QString& path)
+{
+    const QString name = QFileInfo(path).fileName();
+    const Format* found = nullptr;
+    qsizetype longest = 0;
     for (const Format& format : kFormats)
-        if (format.canBeWritten) each.append(filter(format));
-    return each.join(";;");
+        for (const QString& suffix : suffixes(format))
+            if (suffix.size() > longest && name.endsWith(suffix, Qt::CaseInsensitive)) {
+                found = &format;
+                longest = suffix.size();
+            }
+    return found;
 }
 
 QString suffixOf(const QString& chosenFilter)
 {
     for (const Format& format : kFormats)
-        if (filter(format) == chosenFilter) return QString(format.patterns).section(' ', 0, 0).mid(1);
+        if (format.write && filter(format.title, format.write) == chosenFilter)
+            return suffixes(format).front();
     return {};
 }
 
@@ -91,6 +107,13 @@ QString suffixOf(const QString& chosenFilter)
 QString& folder()
 {
     static QString path = QDir::currentPath();
+    return path;
+}
+
+/// Where the last file was saved.
+QString& saveFolder()
+{
+    static QString path;
     return path;
 }
 
@@ -118,21 +141,49 @@ QString HxFileDialog::openFolder(QWidget* parent, const QString& title)
     return path;
 }
 
-QString HxFileDialog::saveFile(QWidget* parent, const QString& title, const QString& suggestion)
+QString HxFileDialog::saveFile(QWidget* parent, const QString& title, const QString& suggestion, bool labels)
 {
     QStringList paths;
     if (isAnswered(paths)) return paths.value(0);
 
-    QFileDialog dialog(parent, title, folder(), saveFilters());
+    const QFileInfo proposed(suggestion);
+    QFileDialog dialog(parent, title, proposed.absolutePath());
+    dialog.setNameFilters(saveFilters(labels));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.selectFile(suggestion);
+    if (const Format* format = formatOf(suggestion))
+        dialog.selectNameFilter(filter(format->title, format->write));
+    dialog.selectFile(proposed.fileName());
     const auto useSuffix = [&dialog](const QString& chosen) { dialog.setDefaultSuffix(suffixOf(chosen)); };
     useSuffix(dialog.selectedNameFilter());
     QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, useSuffix);
     if (dialog.exec() != QDialog::Accepted) return {};
-    const QString path = dialog.selectedFiles().value(0);
-    rememberFolderOf(path);
-    return path;
+    return dialog.selectedFiles().value(0);
+}
+
+QStringList HxFileDialog::saveFilters(bool labels)
+{
+    QStringList each;
+    for (const Format& format : kFormats)
+        if (format.write && (labels || !format.onlyLabels)) each.append(filter(format.title, format.write));
+    return each;
+}
+
+QString HxFileDialog::proposal(const QString& name, const QString& ownFile)
+{
+    const QFileInfo own(ownFile);
+    // A series has a folder for its file; what is saved beside the slices would be read with them.
+    const QString start = !ownFile.isEmpty()       ? own.absolutePath()
+                          : saveFolder().isEmpty() ? QDir::currentPath()
+                                                   : saveFolder();
+    if (!ownFile.isEmpty() && !own.isDir() && formatOf(ownFile)) return own.absoluteFilePath();
+    QString file = name;
+    file.replace('/', '_');
+    return QDir(start).filePath(formatOf(file) ? file : file + ".nrrd");
+}
+
+void HxFileDialog::rememberSaved(const QString& path)
+{
+    saveFolder() = QFileInfo(path).absolutePath();
 }
 
 void HxFileDialog::setNextAnswer(const QStringList& paths)
@@ -144,7 +195,5 @@ bool HxFileDialog::isWritable(const QString& path)
 {
     const QFileInfo file(path);
     if (file.isDir()) return false;
-    for (const char* suffix : kWritableSuffixes)
-        if (file.fileName().endsWith(suffix, Qt::CaseInsensitive)) return true;
-    return !file.fileName().contains('.'); // without a suffix the own form is written
+    return formatOf(path) || !file.fileName().contains('.'); // without a suffix the own form is written
 }

@@ -3,13 +3,18 @@
 #include "app/HxConsole.h"
 #include "app/HxFileDialog.h"
 #include "app/HxMainWorkArea.h"
+#include "app/HxToolScroll.h"
 #include "app/HxUnsavedData.h"
 #include "app/HxWorkspace.h"
 #include "app/QxViewerPanel.h"
+#include "app/hxFitWindow.h"
 #include "app/hxShowDialog.h"
 #include "hx/HxCompModule.h"
 #include "hx/HxData.h"
+#include "hx/HxEditor.h"
+#include "hx/HxLabelField3.h"
 #include "hx/HxMessage.h"
+#include "hx/HxObjectPool.h"
 #include "hx/HxResource.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSubApplication.h"
@@ -29,15 +34,30 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QSize kFirstSize(1280, 800);
 constexpr int kFirstColumnWidth = 330;
 constexpr int kFirstConsoleHeight = 110;
 constexpr const char* kGeometryKey = "mainWindow";
+// Not known before the window is shown; frames of window managers are seldom wider.
+constexpr QMargins kFrame(4, 40, 4, 4);
+constexpr const char* kMaximizedKey = "mainWindow.maximized";
 constexpr const char* kStateKey = "mainWindow.docks";
 
 HxMain* theMain = nullptr;
+
+/// Free for windows, the main screen first. That of the offscreen platform is none that anybody looks at, so
+/// pictures of the window have their full size there.
+QList<QRect> screenAreas()
+{
+    QList<QRect> areas;
+    if (QGuiApplication::platformName() == "offscreen") return areas;
+    for (const QScreen* screen : QGuiApplication::screens()) areas.append(screen->availableGeometry());
+    return areas;
+}
 
 } // namespace
 
@@ -65,6 +85,7 @@ HxMain::HxMain()
     HxWorkArea::getTheWorkArea()->setView(area);
     HxSubApplication::setSwitchHandler([this](HxSubApplication* application) { switchMode(application); });
     connect(objects, &HxWorkspace::selectionChanged, this, &HxMain::updateActions);
+    followPool();
     connect(objects, &HxWorkspace::valueChanged, this, [this] {
         if (area->neighbourButton()->isChecked()) compute();
     });
@@ -102,10 +123,12 @@ void HxMain::makeToolColumn()
     auto* rows = new QVBoxLayout(column);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
-    toolPanels = new QStackedLayout;
+    auto* scroll = new HxToolScroll(column);
+    toolPanels = scroll->panels();
     objects = new HxWorkspace(column);
     toolPanels->addWidget(objects);
-    rows->addLayout(toolPanels, 1);
+    connect(toolPanels, &QStackedLayout::currentChanged, this, &HxMain::updateActionsSoon);
+    rows->addWidget(scroll, 1);
     area = new HxMainWorkArea(column);
     rows->addWidget(area);
 
@@ -124,8 +147,6 @@ void HxMain::makeViewers()
     viewerAreas = new QStackedLayout(viewers);
     panel = new QxViewerPanel(viewers);
     panel->setObjectName("viewerPanel");
-    panel->setHint(tr("Drop image files here, or open them with Ctrl+O.\n\nTo edit labels, select a label "
-                      "field in the list and press Edit Labels."));
     viewerAreas->addWidget(panel);
     setCentralWidget(viewers);
 }
@@ -233,9 +254,11 @@ bool HxMain::saveData(HxData* object)
 bool HxMain::saveDataAs(HxData* object)
 {
     if (!object) return false;
-    QString name = QString::fromUtf8(object->getLabel());
-    if (!HxFileDialog::isWritable(name) || !name.contains('.')) name += ".nrrd";
-    const QString path = HxFileDialog::saveFile(this, tr("Save %1").arg(object->getLabel()), name);
+    const QString name = QString::fromUtf8(object->getLabel());
+    const QString ownFile = object->hasFile() ? QString::fromUtf8(object->getFilename()) : QString();
+    const bool labels = dynamic_cast<HxLabelField3*>(object);
+    const QString path =
+        HxFileDialog::saveFile(this, tr("Save %1").arg(name), HxFileDialog::proposal(name, ownFile), labels);
     return !path.isEmpty() && write(object, path);
 }
 
@@ -246,6 +269,7 @@ bool HxMain::write(HxData* object, const QString& path)
         HxMessage::getTheMsg()->error("%s", error.c_str());
         return false;
     }
+    HxFileDialog::rememberSaved(path);
     rememberFile(path);
     return true;
 }
@@ -254,7 +278,65 @@ HxData* HxMain::dataToSave() const
 {
     // One that stops still counts as running while its pages are gone already.
     if (mode && mode == HxSubApplication::running()) return mode->currentData();
-    return dynamic_cast<HxData*>(objects->selected());
+    if (currentToolPanel() == objects) return dynamic_cast<HxData*>(objects->selected());
+    // An editor has put its panel over the list, whose selection nobody sees now.
+    const std::vector<HxEditor*>& editors = HxEditor::all();
+    const auto found = std::find_if(editors.rbegin(), editors.rend(),
+                                    [](const HxEditor* editor) { return editor->data() != nullptr; });
+    return found == editors.rend() ? nullptr : (*found)->data();
+}
+
+/// What a person can do who sees no viewer yet.
+QString HxMain::nextStep() const
+{
+    bool hasImage = false, hasLabels = false;
+    const HxObjectPool* pool = HxObjectPool::getThePool();
+    for (int i = 0; i < pool->size(); ++i) {
+        if (pool->object(i)->isIconHidden() || !dynamic_cast<HxField3*>(pool->object(i))) continue;
+        (dynamic_cast<HxLabelField3*>(pool->object(i)) ? hasLabels : hasImage) = true;
+    }
+    if (!hasImage && !hasLabels) return tr("Drop image files here, or open them with Ctrl+O.");
+
+    QStringList steps;
+    if (hasImage)
+        steps.append(
+            tr("To make labels, select the image in the list and choose New Labels in the menu Object."));
+    if (hasLabels) steps.append(tr("To edit labels, select them in the list and press Edit Labels."));
+    if (!HxResource::mSubApplications.empty())
+        steps.append(tr("Or change to %1 in the bar above.")
+                         .arg(QString::fromStdString(HxResource::mSubApplications.front().title)));
+    return steps.join("\n\n");
+}
+
+void HxMain::followPool()
+{
+    HxObjectPool* pool = HxObjectPool::getThePool();
+    for (int i = 0; i < pool->size(); ++i) followObject(pool->object(i));
+    connect(pool->notifier(), &HxObjectPool::objectAdded, this, &HxMain::followObject);
+    connect(pool->notifier(), &HxObjectPool::objectRemoved, this, &HxMain::updateActionsSoon);
+    connect(pool->notifier(), &HxObjectPool::iconVisibilityChanged, this, &HxMain::updateActionsSoon);
+    connect(pool->notifier(), &HxObjectPool::viewerTogglesChanged, this, &HxMain::updateActionsSoon);
+}
+
+void HxMain::followObject(HxObject* object)
+{
+    if (auto* changing = dynamic_cast<HxData*>(object))
+        connect(changing, &HxData::modifiedChanged, this, &HxMain::updateActionsSoon, Qt::UniqueConnection);
+    updateActionsSoon();
+}
+
+/// For what also makes modes and editors change their data: they have done so by then.
+void HxMain::updateActionsSoon()
+{
+    if (updatePending) return;
+    updatePending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            updatePending = false;
+            updateActions();
+        },
+        Qt::QueuedConnection);
 }
 
 /// A disabled entry leaves its key to whoever has the focus.
@@ -263,6 +345,7 @@ void HxMain::updateActions()
     const bool canSave = dataToSave();
     saveAction->setEnabled(canSave);
     saveAsAction->setEnabled(canSave);
+    panel->setHint(nextStep());
     // Whoever has made the buttons its own keeps them as they are.
     if (currentToolPanel() != objects) return;
     const bool canCompute = dynamic_cast<HxCompModule*>(objects->selected());
@@ -298,15 +381,15 @@ void HxMain::dropEvent(QDropEvent* event)
 
 void HxMain::restoreWindow()
 {
-    resize(kFirstSize);
-    resizeDocks({toolDock}, {kFirstColumnWidth}, Qt::Horizontal);
-    resizeDocks({consoleDock}, {kFirstConsoleHeight}, Qt::Vertical);
-
     HxSettingsMgr* settings = HxSettingsMgr::getInstance();
     const QRect stored = settings->getGeometry(kGeometryKey);
-    const QScreen* screen = QGuiApplication::screenAt(stored.center());
-    // The screen of the last session may be gone.
-    if (stored.isValid() && screen) setGeometry(stored.intersected(screen->availableGeometry()));
+    if (stored.isValid())
+        setGeometry(hxFitWindow(stored, kFrame, screenAreas()));
+    else // the window manager finds the place
+        resize(hxFitWindow(QRect(QPoint(), kFirstSize), kFrame, screenAreas().mid(0, 1)).size());
+    resizeDocks({toolDock}, {kFirstColumnWidth}, Qt::Horizontal);
+    resizeDocks({consoleDock}, {kFirstConsoleHeight}, Qt::Vertical);
+    if (!settings->getTexts(kMaximizedKey).isEmpty()) setWindowState(windowState() | Qt::WindowMaximized);
     restoreState(QByteArray::fromBase64(settings->getTexts(kStateKey).value(0).toLatin1()));
 }
 
@@ -314,5 +397,6 @@ void HxMain::storeWindow()
 {
     HxSettingsMgr* settings = HxSettingsMgr::getInstance();
     settings->setGeometry(kGeometryKey, normalGeometry().isValid() ? normalGeometry() : geometry());
+    settings->setTexts(kMaximizedKey, isMaximized() ? QStringList("1") : QStringList());
     settings->setTexts(kStateKey, {QString::fromLatin1(saveState().toBase64())});
 }

@@ -5,6 +5,7 @@
 class HxConsole;
 class HxData;
 class HxMainWorkArea;
+class HxObject;
 class HxSubApplication;
 class HxWorkspace;
 class QActionGroup;
@@ -89,7 +90,11 @@ private:
     bool write(HxData* object, const QString& path);
     void fillRecentFiles();
     void updateActions();
+    void updateActionsSoon();
+    void followPool();
+    void followObject(HxObject* object);
     HxData* dataToSave() const;
+    QString nextStep() const;
     void compute();
     void showAbout();
     void restoreWindow();
@@ -112,4 +117,5 @@ private:
     QAction* openAction = nullptr;
     QAction* saveAction = nullptr;
     QAction* saveAsAction = nullptr;
+    bool updatePending = false;
 };

@@ -1,5 +1,6 @@
 #include "app/HxWindowCommands.h"
 
+#include "app/HxFileDialog.h"
 #include "app/HxMain.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
@@ -138,6 +139,18 @@ int windowSnapshot(Tcl_Interp* interp, int wordCount, const char* const* words)
     return TCL_OK;
 }
 
+int answerFile(Tcl_Interp* interp, int wordCount, const char* const* words)
+{
+    QStringList paths;
+    for (int i = 1; i < wordCount; ++i) {
+        if (!*words[i]) return fail(interp, "answerFile: a file has no empty name.");
+        paths.append(QString::fromUtf8(words[i]));
+    }
+    HxFileDialog::setNextAnswer(paths);
+    Tcl_ResetResult(interp);
+    return TCL_OK;
+}
+
 } // namespace
 
 void hxRegisterWindowCommands()
@@ -150,4 +163,8 @@ void hxRegisterWindowCommands()
                           "Writes a PNG picture of the main window; without a display it is 1280 by 800 "
                           "pixels.",
                           windowSnapshot);
+    HxScriptCommands::add("answerFile", "answerFile ?FILE ...?",
+                          "Answers the next file dialog with these files, or a folder; without a file it "
+                          "cancels the dialog.",
+                          answerFile);
 }

@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QSplitter>
@@ -72,6 +73,7 @@ HxWorkspace::HxWorkspace(QWidget* parent)
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     list->setEditTriggers(QAbstractItemView::EditKeyPressed);
     list->installEventFilter(this);
+    list->viewport()->installEventFilter(this);
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(edit);
@@ -227,6 +229,10 @@ bool HxWorkspace::eventFilter(QObject* receiver, QEvent* event)
         hxRemoveByPerson(selected());
         return true;
     }
+    // Qt takes the mark off but keeps the item current.
+    if (receiver == list->viewport() && event->type() == QEvent::MouseButtonPress &&
+        !list->itemAt(static_cast<QMouseEvent*>(event)->position().toPoint()))
+        list->setCurrentItem(nullptr);
     return QWidget::eventFilter(receiver, event);
 }
 

@@ -186,6 +186,7 @@ void QxViewerPanel::makeGrid()
 
 void QxViewerPanel::setHint(const QString& text)
 {
+    if (text == hint->text()) return;
     hint->setText(text);
     relayout();
 }

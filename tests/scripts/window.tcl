@@ -36,9 +36,9 @@ menu "Object/Save As"
 answerFile
 menu "Object/Save As"
 try answerFile ""
-answerFile again.seg.nrrd
+answerFile again.nrrd
 menu "Object/Save As"
-echo "written: [file exists again.seg.nrrd]"
+echo "written: [file exists again.nrrd]"
 
 # A question that nobody answers keeps the changes, and the program with them.
 $labels parameters Materials/Inside/Color "1 0 0"

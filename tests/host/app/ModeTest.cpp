@@ -1,11 +1,13 @@
 #include "MainWindow.h"
 
 #include "app/HxController.h"
+#include "app/HxFileDialog.h"
 #include "app/HxMainWorkArea.h"
 #include "app/HxWorkspace.h"
 #include "app/QxViewerPanel.h"
 #include "hx/HxClassRegistry.h"
 #include "hx/HxCompModule.h"
+#include "hx/HxEditor.h"
 #include "hx/HxPortIntTextN.h"
 #include "hx/HxResource.h"
 #include "hx/HxSubApplication.h"
@@ -36,6 +38,21 @@ public:
     }
     QPointer<QWidget> tools;
     HxData* painted = nullptr;
+};
+
+/// Edits in the normal window: its panel covers the list.
+class PanelEditor : public HxEditor
+{
+public:
+    PanelEditor() : HxEditor(HxData::getClassTypeId()) {}
+    bool typeCheck(HxData* data) override { return data; }
+    void startEditing(HxData*) override { HxMain::getTheMain()->showToolPanel(tools = new QLabel("edit")); }
+    void stopEditing() override
+    {
+        HxMain::getTheMain()->showToolPanel(nullptr);
+        delete tools;
+    }
+    QPointer<QWidget> tools;
 };
 
 /// Counts how often it computes.
@@ -85,7 +102,7 @@ protected:
 
 TEST_F(PaintTest, ItsButtonShowsItsPagesAndTheWorkspaceButtonThoseOfTheHost)
 {
-    HxUniformLabelField3* labels = addLabels("a.nrrd");
+    addLabels("a.nrrd");
     auto* save = window->findChild<QAction*>("save");
     EXPECT_TRUE(save->isEnabled());
 
@@ -106,10 +123,40 @@ TEST_F(PaintTest, ItsButtonShowsItsPagesAndTheWorkspaceButtonThoseOfTheHost)
     EXPECT_TRUE(window->viewerPanel()->isVisible());
     EXPECT_TRUE(save->isEnabled());
 
-    mode->painted = labels;
     mode->makeCurrent();
     EXPECT_TRUE(child<QAction>("PaintMode")->isChecked());
+    EXPECT_FALSE(save->isEnabled());
+    // A button of the mode that makes the labels which are painted from then on.
+    mode->painted = addLabels("b.nrrd");
+    QCoreApplication::processEvents();
     EXPECT_TRUE(save->isEnabled());
+}
+
+TEST_F(ModeTest, SavingMeansTheDataOfTheEditorWhosePanelShows)
+{
+    HxUniformLabelField3* selected = addLabels("selected");
+    HxUniformLabelField3* edited = addLabels("edited");
+    ASSERT_EQ(window->workspace()->selected(), selected);
+    auto* save = window->findChild<QAction*>("save");
+
+    const McHandle<PanelEditor> editor(new PanelEditor);
+    ASSERT_TRUE(editor->attach(edited));
+    EXPECT_TRUE(save->isEnabled());
+    HxFileDialog::setNextAnswer({path("edited.nrrd")});
+    save->trigger();
+    EXPECT_EQ(edited->getFilename(), path("edited.nrrd"));
+    EXPECT_FALSE(selected->hasFile());
+
+    editor->detach();
+    HxFileDialog::setNextAnswer({path("selected.nrrd")});
+    save->trigger();
+    EXPECT_EQ(selected->getFilename(), path("selected.nrrd"));
+
+    // A panel that belongs to no data covers the list, and nothing is to be saved.
+    QWidget help;
+    window->showToolPanel(&help);
+    EXPECT_FALSE(save->isEnabled());
+    window->showToolPanel(nullptr);
 }
 
 TEST_F(ModeTest, ApplyFiresTheSelectedModuleAndAutoEachChange)

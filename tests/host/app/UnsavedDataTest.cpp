@@ -3,8 +3,12 @@
 #include "app/HxFileDialog.h"
 #include "app/HxUnsavedData.h"
 #include "app/HxWorkspace.h"
+#include "hx/HxUniformScalarField3.h"
+#include "mc/McElementType.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QListWidget>
 #include <QSignalSpy>
 
@@ -95,6 +99,32 @@ TEST_F(UnsavedDataTest, SavingAsksForAFileOnlyWhereNoneCanBeWritten)
     HxFileDialog::setNextAnswer({});
     EXPECT_FALSE(window->saveDataAs(labels));
     EXPECT_TRUE(dialogs.empty());
+}
+
+TEST_F(UnsavedDataTest, TheSaveDialogProposesThePlaceOfTheObjectAndOnlyWhatCanBeWritten)
+{
+    const auto proposed = [](const char* name, const QString& file = {}) {
+        return HxFileDialog::proposal(name, file);
+    };
+    EXPECT_EQ(proposed("liver", path("scan.nii.gz")), path("scan.nii.gz")); // its own file again
+    EXPECT_EQ(proposed("scan.nhdr", path("scan.nhdr")), path("scan.nhdr.nrrd"));
+    EXPECT_EQ(proposed("series", folder.path()), QFileInfo(folder.path()).absolutePath() + "/series.nrrd");
+
+    ASSERT_TRUE(QDir(folder.path()).mkdir("out"));
+    HxFileDialog::setNextAnswer({path("out/a.seg.nrrd")});
+    ASSERT_TRUE(window->saveData(addLabels("a")));
+    EXPECT_EQ(proposed("b"), path("out/b.nrrd")); // where the last one went
+    EXPECT_EQ(proposed("b/c.mhd"), path("out/b_c.mhd"));
+
+    // Each suffix that the dialog offers is one that the writer takes.
+    const unsigned long dims[3] = {2, 3, 4};
+    const McHandle<HxData> image(new HxUniformScalarField3(dims, kMcUnsignedChar));
+    for (HxData* object : {image.get(), static_cast<HxData*>(addLabels("all"))})
+        for (const QString& filter : HxFileDialog::saveFilters(object != image.get()))
+            for (const QString& pattern : filter.section('(', 1).remove(')').split(' ')) {
+                McString error;
+                EXPECT_TRUE(object->save((path("all") + pattern.mid(1)).toUtf8(), error)) << error.c_str();
+            }
 }
 
 TEST_F(UnsavedDataTest, RemovingByHandAsksAndByScriptDoesNot)
