@@ -68,7 +68,7 @@ int runStandard(HxColormap& map, const HxScriptCall& call)
 }
 
 const HxCommand<HxColormap> kCommands[] = {
-    {"color", "color U", "Gives the colour at U from 0 to 1, as red, green, blue and opacity from 0 to 255.",
+    {"color", "color U", "Gives the color at U from 0 to 1, as red, green, blue and opacity from 0 to 255.",
      1, 1, runColor},
     {"load", "load FILE", "Takes the table from a file.", 1, 1, runLoad},
     {"standard", "standard ?NAME?", "Takes a standard table, or lists their names.", 0, 1, runStandard},

@@ -83,15 +83,15 @@ bool hxReadColormapFile(HxColormap& map, const char* path, McString& error)
 {
     std::ifstream file(path);
     if (!file) return fail(path, "the file cannot be opened", error);
-    if (!beginsAsColormap(file)) return fail(path, "the file holds no colour table", error);
+    if (!beginsAsColormap(file)) return fail(path, "the file holds no color table", error);
 
     Content content;
     std::string line;
     for (int number = 2; std::getline(file, line); number++)
         if (!takeLine(line, content))
-            return fail(path, McString::printf("line %d is no colour of four numbers from 0 to 1", number),
+            return fail(path, McString::printf("line %d is no color of four numbers from 0 to 1", number),
                         error);
-    if (content.table.empty()) return fail(path, "the colour table is empty", error);
+    if (content.table.empty()) return fail(path, "the color table is empty", error);
 
     map.setTable(content.table, content.interpolate);
     if (content.below) map.setUnderflow(*content.below);

@@ -125,8 +125,7 @@ void warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geomet
 {
     std::vector<std::string> lost;
     if (format != Format::nrrd && format != Format::segmentation) {
-        if (field.parameters.index("Materials") >= 0)
-            lost.push_back("the names and colours of the materials");
+        if (field.parameters.index("Materials") >= 0) lost.push_back("the names and colors of the materials");
         const std::vector<std::string> names = parametersThatAreLost(field);
         if (!names.empty()) lost.push_back("the parameters (" + listed(names) + ")");
         if (geometry.zPositions.size() > 1) lost.push_back("the positions of the slices");

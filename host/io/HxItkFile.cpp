@@ -194,7 +194,7 @@ void HxItkFile::checkScalar() const
     const unsigned int components = library->io->GetNumberOfComponents();
     if (components != 1)
         throw HxFileError(file, "has " + std::to_string(components) +
-                                    " values per voxel, such as colours; only images of one can be read");
+                                    " values per voxel, such as colors; only images of one can be read");
 }
 
 void HxItkFile::write(const std::string& path, const std::string& named, HxFileKind kind,

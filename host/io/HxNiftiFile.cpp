@@ -99,7 +99,7 @@ Header parseHeader(const std::string& path)
                                      [code](const Datatype& d) { return d.code == code; });
     if (found == std::end(kDatatypes))
         throw HxFileError(path, "its NIfTI data type " + std::to_string(code) +
-                                    " (colour, complex or unknown) cannot be read");
+                                    " (color, complex or unknown) cannot be read");
     header.type = found->type;
     header.isSingleFile = bytes[kMagicAt + 1] == '+';
     header.dataOffset = floatAt(kVoxOffsetAt);

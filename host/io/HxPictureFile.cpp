@@ -68,7 +68,7 @@ HxPictureFile::HxPictureFile(const std::string& path, HxFileKind kind) : HxSlice
         throw HxFileError(path, std::string("the ") + hxNameOf(kind) + " header cannot be read");
     if (format != QImage::Format_Grayscale8 && format != QImage::Format_Grayscale16 && !isIndexed(format))
         throw HxFileError(path,
-                          "has several values per pixel, such as colours; only images of one can be read");
+                          "has several values per pixel, such as colors; only images of one can be read");
     checkEnd(kind);
     isInverted = isTurnedRound(path, kind);
     size[0] = static_cast<unsigned long>(pixels.width());

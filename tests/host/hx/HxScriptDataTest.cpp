@@ -362,7 +362,7 @@ TEST_F(HxObjectScripts, ColormapsLookUpAndCrossAFile)
 
     std::ofstream(path, std::ios::app) << "0.1 0.2 2 1\n";
     EXPECT_FALSE(map.readFile(path.c_str(), error));
-    EXPECT_EQ(error, McString(path) + ": line 7 is no colour of four numbers from 0 to 1.");
+    EXPECT_EQ(error, McString(path) + ": line 7 is no color of four numbers from 0 to 1.");
     EXPECT_EQ(map.numEntries(), 2);
     EXPECT_FALSE(map.save("/nowhere/x.colors", error));
 

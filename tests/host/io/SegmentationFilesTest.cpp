@@ -331,7 +331,7 @@ TEST_F(SegmentationFiles, OtherFormatsKeepTheLabelsAndSayWhatIsLost)
         console.clear();
         ASSERT_TRUE(save(field, path(name))) << error;
         ASSERT_EQ(console.size(), 1U);
-        EXPECT_THAT(console[0], HasSubstr("the names and colours of the materials, the parameters (Seeds)"));
+        EXPECT_THAT(console[0], HasSubstr("the names and colors of the materials, the parameters (Seeds)"));
         EXPECT_THAT(console[0], HasSubstr("the weights"));
         expectSameVoxels(field, load(path(name), true));
     }
