@@ -18,12 +18,15 @@
 #include "hx/HxUniformLabelField3.h"
 #include "hx/HxUniformScalarField3.h"
 #include "qx/QxColormapFullRangeSlider.h"
+#include "tools/GiBrush.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -33,6 +36,8 @@ namespace {
 constexpr int kSteps = 201;
 constexpr int kStarts = 7;
 constexpr int kFourViewers = 4;
+constexpr int kMoves = 1000; // of one stroke
+constexpr int kBrush = 1;    // its place in the list of tools
 
 /// The image of the pool, labels over it, and the main window of usual size.
 class Session
@@ -106,6 +111,40 @@ void benchSteps(const char* operation, const Step& step)
     benchPrint({operation, 1, spread.median, "-", 0, 0, note});
 }
 
+QMouseEvent mouse(QEvent::Type type, const QWidget& widget, const QPointF& place, Qt::MouseButton button)
+{
+    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    return {type, place, widget.mapToGlobal(place), button, held, Qt::NoModifier};
+}
+
+/// One stroke that circles in the viewer; what every move costs until all viewers show it.
+void benchStroke(GiQ& gi, QWidget& widget, int pen, bool masks)
+{
+    auto* brush = static_cast<GiBrush*>(gi.tools[kBrush]);
+    brush->setBrushSize(pen);
+    gi.setMaskingEnabled(masks);
+    const QPointF middle(widget.width() / 2.0, widget.height() / 2.0);
+    const auto send = [&](QEvent::Type type, int i, Qt::MouseButton button) {
+        const double angle = 0.02 * i, radius = 0.1 * i;
+        QMouseEvent event =
+            mouse(type, widget, middle + QPointF(radius * std::cos(angle), radius * std::sin(angle)), button);
+        QApplication::sendEvent(&widget, &event);
+        QApplication::processEvents();
+    };
+    send(QEvent::MouseButtonPress, 0, Qt::LeftButton);
+    std::vector<double> times;
+    for (int i = 1; i <= kMoves; ++i)
+        times.push_back(benchClockMs([&] { send(QEvent::MouseMove, i, Qt::NoButton); }));
+    send(QEvent::MouseButtonRelease, kMoves, Qt::LeftButton);
+    const Spread spread = spreadOf(times);
+    char name[64], note[64];
+    std::snprintf(name, sizeof name, "brush %d by mouse, 3 viewers%s", pen, masks ? ", masked" : "");
+    std::snprintf(note, sizeof note, "99 of 100 within %.2f ms", spread.worst);
+    benchPrint({name, 1, spread.median, "-", 0, 0, note});
+    gi.clearSelection(true, false);
+    gi.setMaskingEnabled(false);
+}
+
 void benchWindow(const BenchOptions& options)
 {
     benchSetThreads(1);
@@ -137,6 +176,10 @@ void benchWindow(const BenchOptions& options)
         QApplication::sendEvent(widget, &press);
         QApplication::processEvents();
     });
+
+    session.gi().setTool(kBrush);
+    for (const int pen : {25, 200})
+        for (const bool masks : {false, true}) benchStroke(session.gi(), *widget, pen, masks);
 }
 
 } // namespace
