@@ -121,8 +121,11 @@ QImage picture(HxMain& window)
     if (window.isVisible()) return window.grab().toImage();
     window.setAttribute(Qt::WA_DontShowOnScreen);
     window.show();
-    // Sizes that are only announced so far.
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    // Sizes that are only announced so far. Each layout announces its own to the one around it, so a change
+    // in a tool panel takes several rounds to reach the window.
+    constexpr int kRounds = 8;
+    for (int round = 0; round < kRounds; ++round)
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     const QImage image = window.grab().toImage();
     window.hide();
     window.setAttribute(Qt::WA_DontShowOnScreen, false);
