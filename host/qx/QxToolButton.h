@@ -1,24 +1,14 @@
 #pragma once
 
+#include "qx/QxPressModifiers.h"
+
 #include <QToolButton>
 
-/// A tool button that remembers which modifier keys were held when it was last pressed: by the time that
-/// clicked() arrives they may be up again.
-class QxToolButton : public QToolButton
+/// A tool button that remembers the modifier keys of its last press.
+class QxToolButton : public QxPressModifiers<QToolButton>
 {
     Q_OBJECT
 
 public:
     explicit QxToolButton(QWidget* parent = nullptr);
-
-    /// None before the first press, and after a press by the keyboard or by click().
-    Qt::KeyboardModifiers modifiers() const { return pressModifiers; }
-
-protected:
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-
-private:
-    Qt::KeyboardModifiers pressModifiers;
-    bool mouseHolds = false; // from a press of the mouse to its release
 };
