@@ -249,6 +249,7 @@ void GiQ::clear()
     imageData = nullptr;
     labelLattice = nullptr;
     imageLattice = nullptr;
+    forgetGradient(); // with no image bound, as it may be shown itself
     currentTissue = 0;
     selection->resize(0, 0, 0);
     // The windows into the bits must shrink with them before anybody is told: listeners scan them.

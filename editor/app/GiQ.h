@@ -167,6 +167,7 @@ public slots:
     void menuAction();
     void menuPluginFilter(QAction* action);
     void menuGreyImageChanged(QAction* action);
+    void menuGradientImageChanged(QAction* action);
     void mapMenu();
     void configureOrientationPopup();
     void orientationChanged(QAction* action);
@@ -215,6 +216,9 @@ private:
     QAction* orientationAction(int data) const;
     void enableActions(QMenu* menu, bool on);
     McDArray<HxData*> imagesOfThisSize() const;
+    void useAsGradient(HxData* image);
+    void forgetGradient();
+    void gradientSourceTouched();
 
     void createViewers();
     void createViewerTools();
@@ -256,6 +260,7 @@ private:
     McHandle<GiResetOrientationTool> resetTool;
     bool newLabelDataRunning = false;
     McHandle<HxColormap> colormap;
+    QPointer<HxData> gradientSource; // the pool's image that the user chose as gradient image
     int formerLayout;
     int ownLayout;
     QList<McHandle<HxViewerBase>> formerViewers; // kept, so that they can come back

@@ -131,6 +131,8 @@ void GiQ::setImageDataSet(HxData* image)
     imageSlices.init(lattice->dims(), McTypedPointer(editor->holdImage(lattice), lattice->primType()));
     imageData = image;
     imageLattice = lattice;
+    // Only now, when the new image stands: losing the one in use would bring the labels in its place.
+    if (gradientField != image) removeGradientField();
     float min, max;
     initRangeSliders(image, min, max);
     setDataWindow(min, max, true);
@@ -154,14 +156,7 @@ void GiQ::disconnectData()
 McDArray<HxData*> GiQ::imagesOfThisSize() const
 {
     McDArray<HxData*> images;
-    const HxObjectPool* pool = HxObjectPool::getThePool();
-    for (int i = 0; labelLattice && i < pool->size(); ++i) {
-        auto* data = dynamic_cast<HxData*>(pool->object(i));
-        const auto* lattice = mcinterface_cast<HxLattice3>(data);
-        if (lattice && HxGiEditor::isImageType(lattice->primType()) && lattice->numDataVars() == 1 &&
-            sameDims(*lattice, *labelLattice))
-            images.append(data);
-    }
+    if (labelLattice) findImageDataSets(labelLattice->dims(), images);
     return images;
 }
 
@@ -345,6 +340,7 @@ void GiQ::slotObjectAddedSA(HxObject* object)
         editor->startEditing(field);
     } else if (isImage(field)) {
         insertItem(box, object);
+        if (gradientField == field) return; // made for the tools; the user still works on the image
         choose(box, indexOfNone(box) - 1);
         setImageDataSA(box->currentIndex());
     }
@@ -352,6 +348,7 @@ void GiQ::slotObjectAddedSA(HxObject* object)
 
 void GiQ::slotObjectRemovedSA(HxObject* object)
 {
+    if (object == gradientSource || object == gradientField) forgetGradient();
     if (!toolbox) { // it went with the window around it
         if (object == labelData || object == imageData) editor->stopEditing();
         return;

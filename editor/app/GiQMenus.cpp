@@ -6,9 +6,7 @@
 #include "app/QxViewerPanel.h"
 #include "display/GiViewer.h"
 #include "filters/GiFilter.h"
-#include "hx/HxData.h"
 #include "hx/HxInterpreter.h"
-#include "hx/HxLattice3.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSkin.h"
 
@@ -117,16 +115,6 @@ void GiQ::buildOrientationMenu()
         add(item);
     connect(orientationMenu, &QMenu::triggered, this, &GiQ::orientationChanged);
     connect(orientationMenu, &QMenu::aboutToShow, this, &GiQ::configureOrientationPopup);
-}
-
-void GiQ::buildImageMenus()
-{
-    segmentationMenu->addSeparator();
-    greyImageMenu = segmentationMenu->addMenu(tr("Gray image"));
-    connect(greyImageMenu, &QMenu::triggered, this, &GiQ::menuGreyImageChanged);
-    connect(greyImageMenu, &QMenu::aboutToShow, this, &GiQ::mapMenu);
-    gradientImageMenu = segmentationMenu->addMenu(tr("Gradient image"));
-    deadActions.append(gradientImageMenu->menuAction());
 }
 
 void GiQ::buildSelectionMenu()
@@ -274,28 +262,6 @@ void GiQ::activeViewerChanged(QAction* action)
     const int i = action->data().toInt();
     if (i >= 0 && i < visible.size()) panel->setActiveViewer(visible[i]);
     checkForHiddenSelection();
-}
-
-// Images of mode 0
-
-void GiQ::mapMenu()
-{
-    updateUndoSensitivity();
-    greyImageMenu->clear();
-    const McDArray<HxData*> images = imagesOfThisSize();
-    for (int i = 0; i < images.size(); ++i) {
-        QAction* action = greyImageMenu->addAction(images[i]->getLabel());
-        action->setData(i);
-        action->setCheckable(true);
-        action->setChecked(mcinterface_cast<HxLattice3>(images[i])->dataPtr() == imageSlices.data());
-    }
-}
-
-void GiQ::menuGreyImageChanged(QAction* action)
-{
-    const McDArray<HxData*> images = imagesOfThisSize();
-    const int i = action->data().toInt();
-    if (i >= 0 && i < images.size()) setImageDataSet(images[i]);
 }
 
 // Entries

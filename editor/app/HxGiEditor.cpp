@@ -213,6 +213,9 @@ void HxGiEditor::startEditing(HxData* labels, HxData* image)
         return;
     }
     HxGiSubApplication::instance()->checkOtherEditor(labels);
+    // A gradient image that is to be edited over is no by-product any more, which would end with the old
+    // pair.
+    if (image && image == gi->gradientField) gi->gradientField = nullptr;
     gi->clear();
     auto* field = dynamic_cast<HxField3*>(labels);
     if (!pair.labelLattice || !field) return;

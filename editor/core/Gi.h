@@ -143,6 +143,38 @@ public:
     void updateSelectionBoxes();
     /// The same after a change inside `box` of `viewer`: boxes only grow.
     void updateSelectionBoxes(McBox2i& box, GiViewer* viewer);
+
+    /// Makes the gradient magnitude of the image by its element type: `gradientImage` shows it, and the
+    /// hidden pool object "Default-GradientImage" owns it. The largest magnitude becomes 255, or 32765 over
+    /// 16 bits. Nothing happens without image, or over one of double. What was generated before only loses
+    /// its reference. throws McMemoryException over bytes; the other types print a message, and nothing has
+    /// changed
+    void generateGradientImage();
+    void generateGradientByteImage();
+    void generateGradientShortImage();
+    void generateGradientUnsignedShortImage();
+    void generateGradientIntImage();
+    void generateGradientUnsignedIntImage();
+    void generateGradientFloatImage();
+    /// Generates it if there is none. Its data stay null where none can be made.
+    McTypedData3D* getGradientImage3D();
+    /// Takes the generated gradient out of the pool, and out of `gradientImage` if that shows it.
+    void removeGradientField();
+
+    /// The current slice as a lattice of its own, with the selection as a mask of 255 and 0 per pixel.
+    ///
+    /// lattice      a new lattice of the gradient (`useGradient` set) or of the image, one voxel thick in a
+    /// box
+    ///              from 0 to 1 along the slice's axis. The caller deletes it; it owns its memory
+    /// mask         width x height bytes, which the caller gives back with free()
+    /// throws       McMemoryException
+    /// Without selection or data, `lattice` is the label lattice, which is not the caller's, and `mask` null.
+    void getSliceLattice(HxLattice3*& lattice, unsigned char*& mask, int useGradient);
+    /// The end of work on such a slice; the selection stays as it is.
+    void updateSliceLattice(HxLattice3*& lattice, unsigned char*& mask);
+    /// The pool's data objects of these dims that can serve as image: one component of an image's element
+    /// type.
+    void findImageDataSets(const unsigned long* dims, McDArray<HxData*>& result) const;
     /// Pixels of the viewer's slice whose value lies in its masking window; 0, and the mask stays as it was,
     /// if masking is off there. throws McMemoryException
     int getMask(GiFrameBuffer* frameBuffer, McBitfield& mask);
@@ -241,6 +273,11 @@ private:
                     HxLabelLattice3* lattice);
     void resetMaterialColors();
     void computeCoordinateDigits();
+    template <class T>
+    void makeGradientImage(float largest);
+    template <class T>
+    void tryGradientImage(float largest);
+    void keepGradientImage(void* data, int hostType);
     void showMiddleSlices(const unsigned long* dims);
     /// For changes of labels that are not announced by touchData: the next question for the range of
     /// values must not get an old answer.
