@@ -22,11 +22,22 @@ constexpr int kBlock = 1024;
 // Samples on each side of a block that its filter can reach; smoothing uses a few dozen.
 constexpr int kWidestMargin = 1024;
 
+// Taps of one side that are added in one go, with their sums in registers.
+constexpr int kGroup = 3;
+
+// Tap t of a kernel meets the samples from before[t] and from after[t] on; those of the centre are the same.
+struct Neighbors
+{
+    const unsigned char* before[kWidestMargin + 1 + kGroup];
+    const unsigned char* after[kWidestMargin + 1 + kGroup];
+};
+
 struct Kernel
 {
     McDArray<std::int64_t> taps{kOne}; // the centre and one side, in 1/65536; the last one is not 0
-    // True if no sum over bytes can leave 32 bits.
-    bool isSmall = true;
+    // The same for kernels that blur, whose results need no limits: taps of at least 0 that add up to 1 or
+    // less. Filled up with zeros to whole groups; empty for all other kernels.
+    McDArray<std::uint16_t> blur;
 };
 
 Kernel kernel;
@@ -52,47 +63,132 @@ std::int64_t sumOfSides(const McDArray<std::int64_t>& taps)
     return sum;
 }
 
-bool sumsFit32Bits(const McDArray<std::int64_t>& taps)
+McDArray<std::uint16_t> blurTaps(const McDArray<std::int64_t>& taps)
 {
-    std::int64_t sum = std::abs(taps[0]);
-    for (int i = 1; i < taps.size(); i++) sum += 2 * std::abs(taps[i]);
-    return sum < (1l << 31) / 256;
+    std::int64_t sum = taps[0] + sumOfSides(taps);
+    for (std::int64_t tap : taps)
+        if (tap < 0 || tap >= kOne) sum = kOne + 1;
+    if (sum > kOne || taps.size() > kWidestMargin + 1) return {};
+    McDArray<std::uint16_t> result;
+    for (std::int64_t tap : taps) result.append(static_cast<std::uint16_t>(tap));
+    while (result.size() == 1 || (result.size() - 1) % kGroup != 0) result.append(0);
+    return result;
 }
 
-template <class Sum>
-inline unsigned char rounded(Sum sum)
+// A sum of products in 24 bits, in three fields of 16 bits with 8 bits of it each: twice as many of them fit
+// into a vector as of fields of 32 bits, and the upper half of a field takes the carries of a whole group.
+struct Sum
 {
-    const Sum value = (sum + Sum(kOne / 2)) >> 16;
+    std::uint16_t low = 0, middle = 128, high = 0; // a half in 1/65536, for the rounding
+
+    void add(std::uint16_t sample, std::uint16_t tap)
+    {
+        const auto product = static_cast<std::uint16_t>(sample * tap);
+        low += product & 255;
+        middle += product >> 8;
+        high += static_cast<std::uint16_t>(std::uint32_t(sample) * tap >> 16);
+    }
+    void carry()
+    {
+        middle += low >> 8;
+        low &= 255;
+        high += middle >> 8;
+        middle &= 255;
+    }
+};
+
+struct Sums
+{
+    std::uint16_t low[kBlock], middle[kBlock], high[kBlock];
+};
+
+// Adds the samples under the taps first to first + kGroup - 1; the first group also those of the centre. The
+// last group turns the sums into bytes.
+template <bool isFirst, bool isLast>
+inline __attribute__((always_inline)) void addGroup(const Neighbors& at, long from, const std::uint16_t* taps,
+                                                    int first, Sums& sums, unsigned char* __restrict out,
+                                                    int n)
+{
+    const unsigned char* center = at.before[0] + from;
+    const unsigned char *before[kGroup], *after[kGroup];
+    std::uint16_t tap[kGroup];
+    for (int t = 0; t < kGroup; t++) {
+        before[t] = at.before[first + t] + from;
+        after[t] = at.after[first + t] + from;
+        tap[t] = taps[first + t];
+    }
+    for (int i = 0; i < n; i++) {
+        Sum sum;
+        if (isFirst)
+            sum.add(center[i], taps[0]);
+        else
+            sum = {sums.low[i], sums.middle[i], sums.high[i]};
+        for (int t = 0; t < kGroup; t++)
+            sum.add(static_cast<std::uint16_t>(before[t][i] + after[t][i]), tap[t]);
+        sum.carry();
+        if (isLast) {
+            // Never more than 255. The compiler does not know, and would add the fields as bytes, which costs
+            // more than it saves.
+            out[i] = static_cast<unsigned char>(std::min<std::uint16_t>(sum.high, 255));
+        } else {
+            sums.low[i] = sum.low;
+            sums.middle[i] = sum.middle;
+            sums.high[i] = sum.high;
+        }
+    }
+}
+
+// Samples [from, from + n), at most a block, with a kernel that blurs.
+MC_TARGET_CLONES
+void blurBlock(const Neighbors& at, long from, const std::uint16_t* taps, int numTaps, unsigned char* out,
+               int n)
+{
+    Sums sums;
+    if (numTaps <= 1 + kGroup) return addGroup<true, true>(at, from, taps, 1, sums, out, n);
+    const int last = numTaps - kGroup;
+    addGroup<true, false>(at, from, taps, 1, sums, out, n);
+    for (int t = 1 + kGroup; t < last; t += kGroup) addGroup<false, false>(at, from, taps, t, sums, out, n);
+    addGroup<false, true>(at, from, taps, last, sums, out, n);
+}
+
+unsigned char rounded(std::int64_t sum)
+{
+    const std::int64_t value = (sum + kOne / 2) >> 16;
     return static_cast<unsigned char>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
-// out[i] from line[i - taps + 1 .. i + taps - 1]. The sums of a block are built tap by tap, so that the
-// inner loops have no order to keep.
-template <class Sum>
-inline __attribute__((always_inline)) void filterBlock(const unsigned char* line, unsigned char* out, int n,
-                                                       const std::int64_t* taps, int numTaps)
+// The same with any kernel. The sums are built tap by tap, so that the inner loops have no order to keep.
+MC_TARGET_CLONES
+void filterBlock(const Neighbors& at, long from, const std::int64_t* taps, int numTaps, unsigned char* out,
+                 int n)
 {
-    Sum sums[kBlock];
-    for (int i = 0; i < n; i++) sums[i] = Sum(taps[0]) * line[i];
+    std::int64_t sums[kBlock];
+    for (int i = 0; i < n; i++) sums[i] = taps[0] * at.before[0][from + i];
     for (int t = 1; t < numTaps; t++) {
-        const Sum tap = Sum(taps[t]);
-        const unsigned char* left = line - t;
-        const unsigned char* right = line + t;
-        for (int i = 0; i < n; i++) sums[i] += tap * (left[i] + right[i]);
+        const unsigned char* before = at.before[t] + from;
+        const unsigned char* after = at.after[t] + from;
+        for (int i = 0; i < n; i++) sums[i] += taps[t] * (before[i] + after[i]);
     }
     for (int i = 0; i < n; i++) out[i] = rounded(sums[i]);
 }
 
-MC_TARGET_CLONES
-void filterSmall(const unsigned char* line, unsigned char* out, int n, const std::int64_t* taps, int numTaps)
+// Taps that fill up the last group of a blur weigh nothing, but what they read must be there.
+void fillUpGroup(Neighbors& at)
 {
-    filterBlock<std::int32_t>(line, out, n, taps, numTaps);
+    for (int t = kernel.taps.size(); t < kernel.blur.size(); t++) at.before[t] = at.after[t] = at.before[0];
 }
 
-MC_TARGET_CLONES
-void filterLarge(const unsigned char* line, unsigned char* out, int n, const std::int64_t* taps, int numTaps)
+void filter(const Neighbors& at, long from, unsigned char* out, int n)
 {
-    filterBlock<std::int64_t>(line, out, n, taps, numTaps);
+    if (kernel.blur.size() > 0)
+        blurBlock(at, from, kernel.blur.data(), kernel.blur.size(), out, n);
+    else
+        filterBlock(at, from, kernel.taps.data(), kernel.taps.size(), out, n);
+}
+
+bool isIdentity()
+{
+    return kernel.taps.size() == 1 && kernel.taps[0] == kOne;
 }
 
 // Samples [first, first + n) of a line, whose ends go on as their samples.
@@ -121,14 +217,14 @@ void copyLine(const unsigned char* in, int count, int stride, unsigned char* out
 }
 
 // For kernels that no block on the stack has room for: sample by sample, without any memory.
-void filterDirectly(const unsigned char* in, int count, int stride, unsigned char* out,
-                    const std::int64_t* taps, int numTaps)
+void filterDirectly(const unsigned char* in, int count, long stride, unsigned char* out, long outStride)
 {
+    const McDArray<std::int64_t>& taps = kernel.taps;
     const auto at = [&](long i) { return in[std::clamp(i, 0l, long(count - 1)) * stride]; };
     for (long i = 0; i < count; i++) {
         std::int64_t sum = taps[0] * at(i);
-        for (int t = 1; t < numTaps; t++) sum += taps[t] * (at(i - t) + at(i + t));
-        out[i * stride] = rounded(sum);
+        for (int t = 1; t < taps.size(); t++) sum += taps[t] * (at(i - t) + at(i + t));
+        out[i * outStride] = rounded(sum);
     }
 }
 
@@ -143,32 +239,59 @@ void initPackedLuts(const float* half, int kernelSize)
         for (int i = 0; i < kernelSize; i++) next.taps.append(fixedPoint(half[i], limit));
         if (std::abs(fullSum(half, kernelSize) - 1.0) <= 0.001) next.taps[0] = kOne - sumOfSides(next.taps);
         while (next.taps.size() > 1 && next.taps.last() == 0) next.taps.pop();
-        next.isSmall = sumsFit32Bits(next.taps);
+        next.blur = blurTaps(next.taps);
     }
     kernel = next;
 }
 
 void fastconv(const unsigned char* in, int count, int stride, unsigned char* out)
 {
-    const int numTaps = kernel.taps.size();
     if (count < 1) return;
-    if (numTaps == 1 && kernel.taps[0] == kOne) {
-        copyLine(in, count, stride, out);
-        return;
-    }
-
-    const int margin = numTaps - 1;
-    if (margin > kWidestMargin) return filterDirectly(in, count, stride, out, kernel.taps.data(), numTaps);
+    if (isIdentity()) return copyLine(in, count, stride, out);
+    const int margin = kernel.taps.size() - 1;
+    if (margin > kWidestMargin) return filterDirectly(in, count, stride, out, stride);
 
     // All on the stack: in a team of threads there is nobody who could take an exception about memory.
     unsigned char window[kBlock + 2 * kWidestMargin];
     unsigned char block[kBlock];
-    const auto filter = kernel.isSmall ? filterSmall : filterLarge;
-    for (long at = 0; at < count; at += kBlock) {
-        const int n = int(std::min(long(kBlock), count - at));
-        gather(in, count, stride, at - margin, n + 2 * margin, window);
-        unsigned char* target = stride == 1 ? out + at : block;
-        filter(window + margin, target, n, kernel.taps.data(), numTaps);
-        if (stride != 1) scatter(block, n, out + at * stride, stride);
+    Neighbors at;
+    for (int t = 0; t <= margin; t++) {
+        at.before[t] = window + margin - t;
+        at.after[t] = window + margin + t;
+    }
+    fillUpGroup(at);
+    for (long first = 0; first < count; first += kBlock) {
+        const int n = int(std::min(long(kBlock), count - first));
+        gather(in, count, stride, first - margin, n + 2 * margin, window);
+        unsigned char* target = stride == 1 ? out + first : block;
+        filter(at, 0, target, n);
+        if (stride != 1) scatter(block, n, out + first * stride, stride);
+    }
+}
+
+void fastconvColumns(const unsigned char* in, int width, int height, long stride, unsigned char* out,
+                     long outStride)
+{
+    if (width < 1 || height < 1) return;
+    const int margin = kernel.taps.size() - 1;
+    if (margin > kWidestMargin) {
+        for (int x = 0; x < width; x++) filterDirectly(in + x, height, stride, out + x, outStride);
+        return;
+    }
+
+    const auto row = [&](int y) { return in + std::clamp(y, 0, height - 1) * stride; };
+    Neighbors at;
+    for (int y = 0; y < height; y++) {
+        if (isIdentity()) {
+            std::memcpy(out + y * outStride, row(y), width);
+            continue;
+        }
+        for (int t = 0; t <= margin; t++) {
+            at.before[t] = row(y - t);
+            at.after[t] = row(y + t);
+        }
+        fillUpGroup(at);
+        for (int x = 0; x < width; x += kBlock)
+            filter(at, x, out + y * outStride + x, std::min(kBlock, width - x));
     }
 }

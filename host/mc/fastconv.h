@@ -17,3 +17,12 @@ void initPackedLuts(const float* kernel, int kernelSize);
 ///
 /// Takes no memory and throws nothing. Safe to call from many threads at once.
 void fastconv(const unsigned char* in, int count, int stride, unsigned char* out);
+
+/// Filters the columns of a raster, each as fastconv() does it alone, but by whole rows, which is several
+/// times as fast.
+///
+/// width              bytes of a row
+/// height             rows
+/// stride, outStride  bytes from one row to the next; the arrays must not overlap
+void fastconvColumns(const unsigned char* in, int width, int height, long stride, unsigned char* out,
+                     long outStride);

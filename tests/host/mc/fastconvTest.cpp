@@ -60,6 +60,14 @@ Bytes filtered(const Bytes& in, int stride)
     return out;
 }
 
+// Column x of a raster whose rows are wider than what is filtered.
+Bytes column(const Bytes& raster, int stride, int height, int x)
+{
+    Bytes result;
+    for (int y = 0; y < height; y++) result.push_back(raster[y * stride + x]);
+    return result;
+}
+
 Bytes randomLine(int n, std::mt19937& random)
 {
     Bytes line(n);
@@ -72,10 +80,13 @@ Bytes randomLine(int n, std::mt19937& random)
 TEST(Fastconv, FollowsTheFixedPointRule)
 {
     std::mt19937 random(53);
-    const std::vector<float> kernels[] = {
-        gaussKernel(2),         gaussKernel(7),       gaussKernel(40),        gaussKernel(1500),
-        {0.5f, 0.5f},           {3.0f, -1.0f},        {-2.0f, 0.1f},          {0.2f, 0.1f, 0.05f},
-        {1000.0f, 5e6f, -7e5f}, {0.5f, 0.25f, 1e-9f}, {0.3334f, 0.33331111f}, {0.0f, 0.0f, 0.5f, 0}};
+    const std::vector<float> kernels[] = {gaussKernel(2),         gaussKernel(7),
+                                          gaussKernel(40),        gaussKernel(1500),
+                                          {0.5f, 0.5f},           {3.0f, -1.0f},
+                                          {-2.0f, 0.1f},          {0.2f, 0.1f, 0.05f},
+                                          {1000.0f, 5e6f, -7e5f}, {0.5f, 0.25f, 1e-9f},
+                                          {0.3334f, 0.33331111f}, {0.0f, 0.0f, 0.5f, 0},
+                                          {0.7f, 1e-9f},          std::vector<float>(400, 1.0f / 799)};
     for (const std::vector<float>& kernel : kernels) {
         initPackedLuts(kernel.data(), int(kernel.size()));
         for (int n : {1, 2, 3, 10, 63, 500, 1024, 1025, 2500}) {
@@ -83,6 +94,28 @@ TEST(Fastconv, FollowsTheFixedPointRule)
             const Bytes expected = filteredPlainly(line, kernel);
             for (int stride : {1, 3, 64})
                 ASSERT_EQ(filtered(line, stride), expected) << kernel[0] << " n " << n;
+        }
+    }
+}
+
+TEST(Fastconv, FiltersColumnsAsLines)
+{
+    std::mt19937 random(57);
+    const std::vector<float> kernels[] = {{1.0f},         gaussKernel(2), gaussKernel(4),   gaussKernel(5),
+                                          gaussKernel(8), {3.0f, -1.0f},  gaussKernel(1500)};
+    for (const std::vector<float>& kernel : kernels) {
+        initPackedLuts(kernel.data(), int(kernel.size()));
+        for (auto [width, height] : {std::pair(1, 1), {1, 9}, {40, 1}, {17, 3}, {1500, 30}}) {
+            const int stride = width + 5, outStride = width + 2;
+            const Bytes raster = randomLine(stride * height, random);
+            Bytes result(outStride * height, 0xcc);
+            fastconvColumns(raster.data(), width, height, stride, result.data(), outStride);
+            for (int x = 0; x < outStride; x++) {
+                const Bytes expected = x < width ? filteredPlainly(column(raster, stride, height, x), kernel)
+                                                 : Bytes(height, 0xcc);
+                ASSERT_EQ(column(result, outStride, height, x), expected)
+                    << kernel[0] << " " << width << " x " << height << ", column " << x;
+            }
         }
     }
 }
