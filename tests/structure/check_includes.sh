@@ -23,11 +23,11 @@ everyHostLayer="mc hx io num qx modules app view3d"
 declare -A mayEditor=(
   [editor/core]="core"
   [editor/display]="core display"
-  [editor/tools]="core display tools"
-  [editor/filters]="core display filters"
+  [editor/tools]="core display modules tools"
+  [editor/filters]="core display modules filters"
   [editor/modules]="core display modules"
   [editor/app]="core display tools filters modules app"
-  [editor/plugins]="core display tools filters plugins"
+  [editor/plugins]="core display modules tools filters plugins"
 )
 
 failures=0

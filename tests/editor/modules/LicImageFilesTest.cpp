@@ -1,0 +1,173 @@
+// Files of the raster of bytes: what is written, what comes back, and what broken files lead to.
+
+#include "modules/LicImage.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+class LicImageFiles : public testing::Test
+{
+protected:
+    LicImageFiles()
+    {
+        folder = std::filesystem::path(testing::TempDir()) /
+                 testing::UnitTest::GetInstance()->current_test_info()->name();
+        std::filesystem::create_directories(folder);
+        path = folder / "image.pnm";
+        image.setSize(7, 5, 1);
+        image.createRandom(3);
+    }
+    ~LicImageFiles() override { std::filesystem::remove_all(folder); }
+
+    std::string contents() const
+    {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void store(const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
+    static std::string bytesOf(const LicImage& pixels)
+    {
+        std::string bytes;
+        for (int y = 0; y < pixels.height; ++y)
+            bytes.append(reinterpret_cast<const char*>(pixels.row(y)),
+                         static_cast<std::size_t>(pixels.width * pixels.channels));
+        return bytes;
+    }
+    std::string readingFails()
+    {
+        const std::string before = bytesOf(image);
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(image.readPNM(path.c_str()));
+        EXPECT_EQ(bytesOf(image), before) << "the image stays as it was";
+        return testing::internal::GetCapturedStderr();
+    }
+
+    std::filesystem::path folder, path;
+    LicImage image;
+};
+
+TEST_F(LicImageFiles, ComeBackAsTheyWere)
+{
+    struct Case
+    {
+        int width, height, channels, text;
+    };
+    for (const Case c : {Case{1, 1, 1, 0}, Case{1, 1, 1, 1}, Case{40, 23, 1, 0}, Case{40, 23, 1, 1},
+                         Case{40, 23, 3, 0}, Case{3, 50, 3, 0}}) {
+        image.setSize(c.width, c.height, c.channels);
+        image.createRandom(7);
+        ASSERT_TRUE(image.writePNM(path.c_str(), c.text));
+        LicImage read;
+        ASSERT_TRUE(read.readPNM(path.c_str()));
+        EXPECT_EQ(read.channels, c.channels);
+        EXPECT_EQ(read.width, c.width);
+        EXPECT_EQ(bytesOf(read), bytesOf(image));
+    }
+}
+
+TEST_F(LicImageFiles, BeginWithTheLastRow)
+{
+    unsigned char pixels[] = {1, 2, 3, 0, 250, 251, 252, 0};
+    const LicImage two(3, 2, 4, pixels);
+    two.writePNM(path.c_str(), 0);
+    EXPECT_EQ(contents(), "P5\n3 2\n255\n\xfa\xfb\xfc\x01\x02\x03");
+    two.writePNM(path.c_str(), 1);
+    EXPECT_EQ(contents(), "P2\n3 2\n255\n250  251  252  001  002  003  ");
+}
+
+TEST_F(LicImageFiles, HaveSixteenValuesALine)
+{
+    image.setSize(10, 4, 1);
+    image.clear();
+    image.writePNM(path.c_str(), 1);
+    std::string expected = "P2\n10 4\n255\n";
+    for (int i = 1; i <= 40; ++i) expected += i % 16 ? "000  " : "000 \n";
+    EXPECT_EQ(contents(), expected);
+}
+
+TEST_F(LicImageFiles, ColorTextHoldsTheFirstChannelAlone)
+{
+    unsigned char pixels[] = {10, 20, 30, 40, 50, 60};
+    const LicImage color(2, 1, 3, 6, pixels);
+    color.writePNM(path.c_str(), 1);
+    EXPECT_EQ(contents(), "P3\n2 1\n255\n010  040  ");
+    EXPECT_NE(readingFails(), "") << "two of six values";
+    store("P3\n2 1\n255\n10 20 30 40 50 60\n");
+    EXPECT_TRUE(image.readPNM(path.c_str())) << "files of other programs are whole";
+    EXPECT_EQ(bytesOf(image), bytesOf(color));
+}
+
+TEST_F(LicImageFiles, HeadersMayHaveComments)
+{
+    store("P2\n# one\n# two\n2 1\n# three\n255\n7 8");
+    EXPECT_TRUE(image.readPNM(path.c_str()));
+    EXPECT_EQ(bytesOf(image), "\x07\x08");
+}
+
+TEST_F(LicImageFiles, BrokenOnesAreRefused)
+{
+    const std::string error = "LicImage: Error in PNM file " + path.string() + "\n";
+    const char* const broken[] = {
+        "",
+        "P5",
+        "P5\n",
+        "P4\n1 1\n1\nx",
+        "Q5\n1 1\n255\nx",
+        "\n",
+        "P5\n# no end",
+        "P5\n3\n",
+        "P5\n3 x\n255\nabc",
+        "P5\n2 2\n255\nabc",
+        "P5\n0 2\n255\n",
+        "P5\n-2 2\n255\nabcd",
+        "P5\n2 1\n0\nab",
+        "P5\n2 1\n65535\nabcd",
+        "P5\n999999999 999999999\n255\nabc",
+        "P5\n9999999999 1\n255\nabc",
+        "P2\n2 2\n255\n1 2 3",
+        "P2\n2 1\n255\n1 256",
+        "P2\n2 1\n255\n1 -1",
+        "P2\n2 1\n255\n1 x  ",
+        "P6\n1 1\n255\nab",
+    };
+    for (const char* text : broken) {
+        store(text);
+        EXPECT_EQ(readingFails(), error) << text;
+    }
+    path = folder;
+    EXPECT_EQ(readingFails(), "LicImage: Error in PNM file " + folder.string() + "\n") << "a folder";
+    path = folder / "absent";
+    EXPECT_EQ(readingFails(), "LicImage: Can't open file " + path.string() + "\n");
+}
+
+TEST_F(LicImageFiles, CannotBeWrittenEverywhere)
+{
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(image.writePNM(folder.c_str(), 0));
+    image.writeHistogram(folder.c_str());
+    EXPECT_FALSE(image.writePNM("/dev/full", 1));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "LicImage: Can't open file " + folder.string() + "\nLicImage: Can't write histogram " +
+                  folder.string() + "\nLicImage: Can't write file /dev/full\n");
+}
+
+TEST_F(LicImageFiles, HistogramCountsBytes)
+{
+    unsigned char pixels[] = {5, 5, 200, 0, 9, 9};
+    const LicImage two(2, 3, pixels);
+    testing::internal::CaptureStdout();
+    two.writeHistogram(path.c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Mean = 38\n");
+    std::string expected;
+    for (int v = 0; v < 256; ++v)
+        expected += std::to_string(v) + (v == 5 || v == 9 ? " 2\n" : v == 0 || v == 200 ? " 1\n" : " 0\n");
+    EXPECT_EQ(contents(), expected);
+}
+
+} // namespace
