@@ -8,6 +8,10 @@
 
 namespace {
 
+constexpr int kCoarseSteps = 5;
+constexpr int kFinestSteps = 40; // 68921 colors
+constexpr double kSameColor = 1e-6;
+
 double linearised(double srgb)
 {
     return srgb <= 0.04045 ? srgb / 12.92 : std::pow((srgb + 0.055) / 1.055, 2.4);
@@ -33,6 +37,26 @@ double distanceToNearest(const McVec3d& point, const McDArray<McVec3d>& others)
     return nearest;
 }
 
+/// The color of the grid that lies farthest from the nearest of the others, on ties the first in order of
+/// red, green, blue. Returns how far it lies.
+double findFarthest(const McDArray<McVec3d>& others, int steps, McColor& best)
+{
+    const auto level = [steps](int i) { return static_cast<float>(i) / static_cast<float>(steps); };
+    double bestDistance = -1;
+    for (int red = 0; red <= steps; red++) {
+        for (int green = 0; green <= steps; green++) {
+            for (int blue = 0; blue <= steps; blue++) {
+                const McColor candidate(level(red), level(green), level(blue));
+                const double distance = distanceToNearest(okLab(candidate), others);
+                if (distance <= bestDistance) continue;
+                bestDistance = distance;
+                best = candidate;
+            }
+        }
+    }
+    return bestDistance;
+}
+
 } // namespace
 
 McColor McColor::mostDifferentColorRGB(const McDArray<McColor>& list)
@@ -41,18 +65,10 @@ McColor McColor::mostDifferentColorRGB(const McDArray<McColor>& list)
     McDArray<McVec3d> present;
     for (const McColor& color : list) present.append(okLab(color));
 
+    // A grid of which every color is taken has nothing to offer; a finer one has.
     McColor best;
-    double bestDistance = -1;
-    for (int red = 0; red <= 5; red++) {
-        for (int green = 0; green <= 5; green++) {
-            for (int blue = 0; blue <= 5; blue++) {
-                const McColor candidate(red / 5.0f, green / 5.0f, blue / 5.0f);
-                const double distance = distanceToNearest(okLab(candidate), present);
-                if (distance <= bestDistance) continue;
-                bestDistance = distance;
-                best = candidate;
-            }
-        }
-    }
+    double bestDistance = 0;
+    for (int steps = kCoarseSteps; steps <= kFinestSteps && bestDistance < kSameColor; steps *= 2)
+        bestDistance = findFarthest(present, steps, best);
     return best;
 }
