@@ -89,6 +89,29 @@ void segmentColor(const HxParamBundle& material, float* rgb)
     rgb[2] = color.b;
 }
 
+// What a label without a segment is read as.
+std::unique_ptr<HxParamBundle> madeMaterial(int label)
+{
+    auto material = std::make_unique<HxParamBundle>(McString::printf("Material%d", label));
+    float rgb[3];
+    segmentColor(*material, rgb);
+    material->setColor(rgb);
+    material->set("Id", label + 1);
+    return material;
+}
+
+// A material that stands only for a gap in the numbers: whoever reads the labels without it makes it again.
+bool isMade(const HxParamBundle& material, int label)
+{
+    const auto made = madeMaterial(label);
+    if (std::strcmp(material.getName(), made->getName()) != 0 || material.nBundles() > 0) return false;
+    for (int i = 0; i < material.nParameters(); ++i) {
+        const HxParameter* expected = made->parameter(material.parameter(i)->getName());
+        if (!expected || expected->text() != material.parameter(i)->text()) return false;
+    }
+    return true;
+}
+
 int numberOf(const HxNrrdFile& file, const std::string& name, int otherwise, int least, int most)
 {
     const std::string* text = file.value(name);
@@ -261,17 +284,12 @@ private:
             materials.insert(new HxParamBundle(*old->bundle(label)));
             return;
         }
-        auto* material =
-            new HxParamBundle(label == 0 ? McString("Exterior") : McString::printf("Material%d", label));
-        if (label == 0) {
+        auto material = std::make_unique<HxParamBundle>("Exterior");
+        if (label == 0)
             material->setFlag(HxParamBase::kFixed, 1);
-        } else {
-            float rgb[3];
-            segmentColor(*material, rgb);
-            material->setColor(rgb);
-            material->set("Id", label + 1);
-        }
-        materials.insert(material);
+        else
+            material = madeMaterial(label);
+        materials.insert(material.release());
     }
 
     const std::vector<HxSegment>& segments;
@@ -409,7 +427,7 @@ void HxSegments::write(const HxParamBundle& materials, const unsigned long* dims
     int count = 0;
     for (int label = 1; label < kLabels; ++label) {
         const HxParamBundle* material = materials.bundle(label);
-        if (!material && !extents.has(label)) continue;
+        if (!extents.has(label) && (!material || isMade(*material, label))) continue;
         const HxParamBundle made(McString::printf("Material%d", label));
         const HxParamBundle& m = material ? *material : made;
         std::string id = textOf(m, kSegmentId, defaultId(label));

@@ -6,6 +6,7 @@
 #include "io/HxParamText.h"
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <map>
 
@@ -213,7 +214,7 @@ TEST_F(SegmentationFiles, OfOtherProgramsBecomeMaterialsInLabelOrder)
     // And back: nothing of the other program's knowledge is lost.
     ASSERT_TRUE(save(field, path("back.seg.nrrd"))) << error;
     const std::string bytes = bytesOf(path("back.seg.nrrd"));
-    for (const char* line : {"_ID:=1.2.3\n", "_Name:=Left Lung (größer)\n", "Segment2_Name:=tumor\n",
+    for (const char* line : {"_ID:=1.2.3\n", "_Name:=Left Lung (größer)\n", "Segment1_Name:=tumor\n",
                              "_Color:=0.501961 0.682353 0.501961\n",
                              "_Tags:=Segmentation.Status:completed|TerminologyEntry:anatomy~123"})
         EXPECT_THAT(bytes, HasSubstr(line));
@@ -230,6 +231,27 @@ TEST_F(SegmentationFiles, WithGapsInTheNumbersOrWithoutMaterialsKeepAllSegments)
     ASSERT_TRUE(gaps) << error;
     EXPECT_THAT(names(gaps), ElementsAre("Exterior", "Material1", "lung", "heart"));
     EXPECT_THAT(console, ElementsAre(HasSubstr("the segment \"air\" has the label 0")));
+
+    // The gap is no segment for others, and here it is there again; what somebody made of it is one.
+    ASSERT_TRUE(save(gaps, path("again.seg.nrrd"))) << error;
+    const std::string bytes = bytesOf(path("again.seg.nrrd"));
+    EXPECT_THAT(bytes, Not(HasSubstr("Name:=Material1")));
+    EXPECT_THAT(bytes, HasSubstr("\nSegment0_Name:=lung\n"));
+    EXPECT_THAT(names(load(path("again.seg.nrrd"))), ElementsAre("Exterior", "Material1", "lung", "heart"));
+    const std::function<void(HxParamBundle&)> uses[] = {
+        [](HxParamBundle& m) { m.setName("Trachea"); },
+        [](HxParamBundle& m) { m.set("LongName", "Trachea"); },
+        [](HxParamBundle& m) { m.set("Color", "1 1 0"); },
+    };
+    for (const auto& use : uses) {
+        const Field used = load(path("again.seg.nrrd"));
+        use(*labels(used).materials()->bundle(1));
+        ASSERT_TRUE(save(used, path("used.seg.nrrd"))) << error;
+        EXPECT_THAT(bytesOf(path("used.seg.nrrd")), HasSubstr("\nSegment1_Name:=lung\n"));
+    }
+    labels(gaps).labelLattice()->getLabels()[0] = 1;
+    ASSERT_TRUE(save(gaps, path("drawn.seg.nrrd"))) << error;
+    EXPECT_THAT(bytesOf(path("drawn.seg.nrrd")), HasSubstr("\nSegment0_Name:=Material1\n"));
 
     const Field bare = load(store("bare.nrrd", head + "Vorel_Form:=labels\nVorel_Parameters:=\n\n" + data));
     ASSERT_TRUE(bare) << error;
