@@ -164,6 +164,7 @@ QWidget* Ui_GiToolboxBase::makeZoomBox()
     make(zoomLabel, "zoomLabel", wGiZoomBox);
     zoomLabel->setText("1:1");
     make(qxRangeSlider, "qxRangeSlider", wGiZoomBox);
+    qxRangeSlider->setFieldsBeside(true); // the height goes to the list of materials
     qxRangeSlider->setToolTip(tr("Set data window"));
     makeButton(w2DColormapButton, "w2DColormapButton", "Select 2D Colormap", wGiZoomBox);
     make(allZoomRadioButton, "allZoomRadioButton", wGiZoomBox);
@@ -237,6 +238,7 @@ QWidget* Ui_GiToolboxBase::makeToolsBox()
     wShowMaskingCheckBox->setText(tr("Show"));
     wShowMaskingCheckBox->setEnabled(false);
     make(wMaskingWindowSlider, "wMaskingWindowSlider", box);
+    wMaskingWindowSlider->setFieldsBeside(true);
     wMaskingWindowSlider->setToolTip("<html><head/><body><p>" + tr("Set masking window") +
                                      "</p></body></html>");
 

@@ -4,9 +4,8 @@
 #include "qx/QxRangeField.h"
 #include "qx/QxRangeTrack.h"
 
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QSignalBlocker>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <cfloat>
@@ -34,15 +33,11 @@ QxFullRangeSliderBase::QxFullRangeSliderBase(QWidget* parent)
     maxField->setAccessibleName(tr("Maximum"));
     setFocusProxy(track);
 
-    auto* fields = new QHBoxLayout;
-    fields->addWidget(minField);
-    fields->addStretch(1);
-    fields->addWidget(maxField);
-    auto* rows = new QVBoxLayout(this);
-    rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(2);
-    rows->addWidget(track);
-    rows->addLayout(fields);
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(2);
+    grid->setColumnStretch(1, 1);
+    setFieldsBeside(false);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 
     connect(track, &QxRangeTrack::dragMoved, this, &QxFullRangeSliderBase::dragTo);
@@ -53,6 +48,17 @@ QxFullRangeSliderBase::QxFullRangeSliderBase(QWidget* parent)
 
     showScale(low, high);
     showValues();
+}
+
+void QxFullRangeSliderBase::setFieldsBeside(bool on)
+{
+    auto* grid = static_cast<QGridLayout*>(layout());
+    const int fieldRow = on ? 0 : 1;
+    grid->addWidget(track, 0, on ? 1 : 0, 1, on ? 1 : 3);
+    grid->addWidget(minField, fieldRow, 0);
+    grid->addWidget(maxField, fieldRow, 2);
+    for (QxRangeField* field : {minField, maxField})
+        field->setButtonSymbols(on ? QAbstractSpinBox::NoButtons : QAbstractSpinBox::UpDownArrows);
 }
 
 // ---- scale

@@ -24,6 +24,10 @@ public:
     /// Scale and values from 0 to 255, step 1, no limits, discrete, tracking.
     explicit QxFullRangeSliderBase(QWidget* parent = nullptr);
 
+    /// Whether the fields stand at both sides of the slider, narrow, instead of below it: for panels where
+    /// height is dear.
+    void setFieldsBeside(bool on);
+
     /// Discrete values are whole numbers: others are rounded.
     void setDiscrete(bool on);
     bool isDiscrete() const { return discrete; }

@@ -63,8 +63,9 @@ QSize QxRangeField::sizeHint() const
 {
     QStyleOptionSpinBox option;
     initStyleOption(&option);
-    const QSize text(fontMetrics().horizontalAdvance(QStringLiteral("-00000.00 ")),
-                     lineEdit()->sizeHint().height());
+    const bool isNarrow = buttonSymbols() == NoButtons;
+    const QString longest = isNarrow ? QStringLiteral("-000.00") : QStringLiteral("-00000.00 ");
+    const QSize text(fontMetrics().horizontalAdvance(longest), lineEdit()->sizeHint().height());
     return style()->sizeFromContents(QStyle::CT_SpinBox, &option, text, this);
 }
 

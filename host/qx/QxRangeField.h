@@ -3,7 +3,8 @@
 #include <QDoubleSpinBox>
 
 /// A spin box for values of any magnitude: it writes as many digits as a float holds instead of a fixed
-/// number of decimals, accepts exponents, and ignores the wheel unless it has the focus.
+/// number of decimals, accepts exponents, and ignores the wheel unless it has the focus. Without buttons it
+/// is narrow.
 class QxRangeField : public QDoubleSpinBox
 {
     Q_OBJECT

@@ -234,6 +234,28 @@ TEST_F(RangeSlider, KeysMoveTheHandleThatHasTheFocus)
     EXPECT_NEAR(slider.minValue(), 0.0051f, 1e-6f);
 }
 
+TEST_F(RangeSlider, FieldsBesideTakeNoHeightOfTheirOwn)
+{
+    slider.resize(360, slider.sizeHint().height());
+    const int below = slider.sizeHint().height();
+    const QRect wide = track->geometry();
+    for (const bool beside : {true, false, true}) {
+        slider.setFieldsBeside(beside);
+        slider.resize(360, slider.sizeHint().height());
+        QCoreApplication::processEvents();
+        EXPECT_EQ(track->width() == wide.width(), !beside);
+        EXPECT_EQ(slider.sizeHint().height(), beside ? track->sizeHint().height() : below);
+        for (const QWidget* field : {minField, maxField}) {
+            EXPECT_FALSE(field->geometry().intersects(track->geometry()));
+            EXPECT_TRUE(slider.rect().contains(field->geometry()));
+        }
+        EXPECT_LT(minField->x(), maxField->x());
+    }
+    type(minField, "30");
+    EXPECT_EQ(slider.minValue(), 30);
+    EXPECT_GT(track->width(), wide.width() / 2);
+}
+
 TEST_F(RangeSlider, FieldsTakeWhatIsTypedAndKeepDigitsThatTheyDoNotShow)
 {
     slider.setRange(0, 100);
