@@ -84,6 +84,10 @@ bool HxMatDatabase::load(const char* path, McString& error)
         error = McString::printf("%s: line %d is not a name and three numbers from 0 to 1.", path, number);
         return false;
     }
+    if (file.bad()) { // a folder, or a disk that fails
+        error = McString(path) + ": the file cannot be read.";
+        return false;
+    }
     known.copy(read);
     return true;
 }

@@ -1,6 +1,7 @@
 #include "main/HxApplicationCommands.h"
 
 #include "hx/HxInterpreter.h"
+#include "hx/HxMatDatabase.h"
 #include "hx/HxMessage.h"
 #include "hx/HxScript.h"
 #include "hx/HxScriptCommands.h"
@@ -104,6 +105,13 @@ int preference(Tcl_Interp* interp, int wordCount, const char* const* words)
     return TCL_OK;
 }
 
+int materialColors(Tcl_Interp* interp, int wordCount, const char* const* words)
+{
+    if (wordCount != 2) return HxScriptCommands::wrongArguments(interp, "materialColors");
+    McString error;
+    return HxMatDatabase::getTheDatabase()->load(words[1], error) ? TCL_OK : fail(interp, error);
+}
+
 } // namespace
 
 void hxRegisterApplicationCommands()
@@ -124,6 +132,11 @@ void hxRegisterApplicationCommands()
                           "Reads or stores one preference by its field name, and tells its listeners. The "
                           "result is the value.",
                           preference);
+    HxScriptCommands::add(
+        "materialColors", "materialColors FILE",
+        "Reads a file of names and colors, which materials of these names get from then on. "
+        "Each line holds a name and three numbers from 0 to 1.",
+        materialColors);
     HxScriptCommands::add(
         "help", "help ?WORD?",
         "Explains all commands of the program, the data objects and the editor, or one command, or all "

@@ -19,6 +19,7 @@
 #include "main/HxTclEvents.h"
 
 #include <QApplication>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <cstdio>
@@ -100,18 +101,28 @@ bool chooseSettings(const HxCommandLine& commandLine)
     return true;
 }
 
+/// Where the preferences of this user are.
+std::string userFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString() + "/vorel";
+}
+
+/// Takes in the names and colours of a folder, if it has any; says what is wrong with them.
+bool loadMaterialsOf(const std::string& folder)
+{
+    const std::string path = folder + "/" + kMaterialsFile;
+    if (!std::filesystem::exists(path)) return false;
+    McString error;
+    if (!HxMatDatabase::getTheDatabase()->load(path.c_str(), error))
+        HxMessage::getTheMsg()->printf("%s", error.c_str());
+    return true;
+}
+
 /// The names and colours of the resource folders, on top of the few that are built in.
 void loadMaterials()
 {
     bool found = false;
-    for (const std::string& folder : HxPackage::resourceFolders()) {
-        const std::string path = folder + "/" + kMaterialsFile;
-        if (!std::filesystem::exists(path)) continue;
-        found = true;
-        McString error;
-        if (!HxMatDatabase::getTheDatabase()->load(path.c_str(), error))
-            HxMessage::getTheMsg()->printf("%s", error.c_str());
-    }
+    for (const std::string& folder : HxPackage::resourceFolders()) found = loadMaterialsOf(folder) || found;
     if (!found)
         HxMessage::getTheMsg()->printf(
             "The resource folder has no %s; only a few materials have colors of their "
@@ -225,6 +236,9 @@ int runWindow(const HxCommandLine& commandLine)
 {
     HxMain* window = HxMain::getTheMain();
     window->takeMessages();
+    // A person's own. Like the preferences, they stay out of runs without a window, which are the same for
+    // all.
+    loadMaterialsOf(userFolder());
     window->show();
     const HxTclEvents tclEvents([](int code) { QCoreApplication::exit(code); });
     QTimer::singleShot(0, window, [&commandLine] { runArgumentsInWindow(commandLine); });

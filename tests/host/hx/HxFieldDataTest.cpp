@@ -11,13 +11,16 @@
 #include "hx/HxValueRange.h"
 #include "mc/McException.h"
 #include "mc/McMemoryException.h"
+#include "mc/McTmpDir.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <limits>
 #include <random>
 #include <string>
@@ -374,6 +377,8 @@ TEST(HxMatDatabase, KnownNamesHaveTheirColourAndOthersOneOfTheirOwn)
     }
     // The colours of the built-in names are those of the file that comes with the program, where more follow.
     McString error;
+    McTmpDir tmp("materials", 0, 0);
+    ASSERT_TRUE(tmp.create(0700));
     const std::string file = HxPackage::resourceFolders().front() + "/materials.txt";
     const HxParamBundle builtIn(*database.materials());
     ASSERT_TRUE(database.load(file.c_str(), error)) << error.c_str();
@@ -385,7 +390,32 @@ TEST(HxMatDatabase, KnownNamesHaveTheirColourAndOthersOneOfTheirOwn)
     }
     const HxParamBundle loaded(*database.materials());
     EXPECT_FALSE(database.load("/nowhere/materials.txt", error));
-    EXPECT_EQ(database.materials()->nBundles(), loaded.nBundles());
+    EXPECT_FALSE(database.load(tmp.path().c_str(), error));
+    const std::string own = tmp.path().str() + "/own.txt";
+    const auto loadText = [&](const char* text) {
+        std::ofstream(own) << text;
+        return database.load(own.c_str(), error);
+    };
+    const struct
+    {
+        const char *text, *reason; // none for a good one
+    } files[] = {{"", nullptr},
+                 {"# mine\r\n\r\n\tAxon 0 0.5 1\r\nFat 1 1 0", nullptr},
+                 {"Axon 0 0.5", "line 1"},
+                 {"Axon 0 0.5 1 1", "line 1"},
+                 {"Fat 0 0 0\n\nFat 0 0 256", "line 3"},
+                 {"Fat 0 0 0\nFat red 0 1", "line 2"},
+                 {"Fat 0 0 0\n%$! 0 0 1", "line 2"},
+                 {"Fat 0 0 nan", "line 1"}};
+    for (const auto& row : files) {
+        EXPECT_EQ(loadText(row.text), !row.reason) << row.text;
+        if (!row.reason) continue;
+        EXPECT_THAT(error.str(), testing::HasSubstr(own + ": " + row.reason));
+        EXPECT_EQ(database.getColor("Fat"), McColor(1, 1, 0)) << "a broken file changes nothing";
+    }
+    EXPECT_EQ(database.getColor("Axon"), McColor(0, 0.5f, 1));
+    EXPECT_EQ(database.materials()->nBundles(), loaded.nBundles() + 1);
+    tmp.remove();
     database.materials()->copy(builtIn);
 
     EXPECT_EQ(database.getColor("Material7"), database.getColor("Material7"));
