@@ -1,9 +1,11 @@
 #include "app/GiQTissueList.h"
 
+#include "app/GiMaterialView3D.h"
 #include "app/GiQ.h"
 #include "app/GiQTissueListItem.h"
 #include "app/GiQToolbox.h"
 #include "core/GiBusy.h"
+#include "core/giRemoveLabel.h"
 #include "display/GiLabelImage.h"
 #include "hx/HxLabelField3.h"
 #include "hx/HxLabelLattice3.h"
@@ -25,26 +27,6 @@ namespace {
 constexpr int kLastMadeName = 19999;
 constexpr int kLastEntry = GiQTissueList::kMaxMaterials - 1;
 constexpr int kShownRows = 8;
-
-/// Label i becomes r, and all above i go down by one.
-void reorderLabels(HxLabelLattice3& lattice, int i, int r)
-{
-    const unsigned long slice = lattice.dims()[0] * lattice.dims()[1];
-    const long slices = static_cast<long>(lattice.dims()[2]);
-    const int threads = std::max(1, HxSettingsMgr::getInstance()->numThreads());
-    const long chunk = std::max(1l, (slices + threads - 1) / threads);
-    const auto removed = static_cast<unsigned char>(i);
-    const auto replacement = static_cast<unsigned char>(r);
-    unsigned char* const labels = lattice.getLabels();
-#pragma omp parallel for num_threads(threads) schedule(static, chunk)
-    for (long s = 0; s < slices; ++s) {
-        unsigned char* const voxels = labels + slice * static_cast<unsigned long>(s);
-        for (unsigned long k = 0; k < slice; ++k) {
-            const unsigned char v = voxels[k];
-            voxels[k] = v == removed ? replacement : static_cast<unsigned char>(v - (v > removed));
-        }
-    }
-}
 
 QByteArray cleaned(const QByteArray& text)
 {
@@ -151,6 +133,7 @@ void GiQTissueList::setTissues(HxParamBundle* materials, int row)
         for (int i = 0; i < n; ++i) addRow();
         horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
         horizontalHeader()->setSectionResizeMode(kName, QHeaderView::Stretch);
+        show3DStates();
         setCurrentCell(row >= 0 ? row : n - 1, 0);
     }
     setUpdatesEnabled(true);
@@ -317,9 +300,9 @@ void GiQTissueList::updateColors()
 void GiQTissueList::refresh3DColor(int row)
 {
     // The 3D view takes a color over when it is told to use it.
-    if (!useLabelColor || !itemOf(row) || !itemOf(row)->isColor3DButtonChecked()) return;
-    useLabelColor(row, false);
-    useLabelColor(row, true);
+    if (!view3D || !itemOf(row) || !itemOf(row)->isColor3DButtonChecked()) return;
+    view3D->setUseLabelColor(row, false);
+    view3D->setUseLabelColor(row, true);
 }
 
 void GiQTissueList::editColor(int row)
@@ -473,7 +456,11 @@ void GiQTissueList::removeTissue(int i, int replacement)
     notifyStop();
     const GiBusy busy("Reordering labels...");
     const int r = replacement - (replacement > i);
-    if (gi && gi->labelLattice) reorderLabels(*gi->labelLattice, i, r);
+    if (gi && gi->labelLattice) {
+        const unsigned long* n = gi->labelLattice->dims();
+        giRemoveLabel(gi->labelLattice->getLabels(), n[0] * n[1], n[2], i, r,
+                      HxSettingsMgr::getInstance()->numThreads());
+    }
 
     HxParamBundle* material = bundleOf(i);
     const QByteArray name(material->getName());
@@ -494,6 +481,7 @@ void GiQTissueList::removeTissue(int i, int replacement)
     if (gi->labelLattice && gi->labelLattice->field())
         gi->labelLattice->field()->touchMinMax(0, static_cast<float>(remaining - 1), 1);
     setTissue(r);
+    if (view3D) view3D->updateLabels(i);
     gi->touchData(0, 1, 0, -1, 1, 1);
     emit gi->materialRemoved(gi->labelData, i, name.constData());
 }
@@ -509,11 +497,21 @@ void GiQTissueList::moveTissue(int to)
 
 // ---- the 3D view
 
-void GiQTissueList::set3DOperations(Operation3D showMaterial, Operation3D colorMaterial)
+void GiQTissueList::setView3D(GiMaterialView3D* view)
 {
-    showMaterial3D = std::move(showMaterial);
-    useLabelColor = std::move(colorMaterial);
-    for (const auto& item : items) item->enable3D(bool(showMaterial3D));
+    view3D = view;
+    for (const auto& item : items) item->enable3D(view3D);
+    show3DStates();
+}
+
+void GiQTissueList::show3DStates()
+{
+    if (!view3D) return;
+    bool flags[GiMaterialView3D::kLabels] = {};
+    view3D->get3DVisibility(flags);
+    set3DVisibility(flags);
+    view3D->getUseLabelColor(flags);
+    set3DUseLabelColor(flags);
 }
 
 void GiQTissueList::set3DVisibility(const bool* visible)

@@ -2,10 +2,10 @@
 
 #include <QTableWidget>
 
-#include <functional>
 #include <memory>
 #include <vector>
 
+class GiMaterialView3D;
 class GiQ;
 class GiQTissueListItem;
 class HxParamBundle;
@@ -87,12 +87,10 @@ public:
     void updateMaterialVisibility();
     /// Locks and 2D boxes anew, after somebody else has written the controller's tables.
     void updateStates();
-    /// What the boxes of the 3D columns do; without operations, as long as no 3D view is there, they are
+    /// The view behind the boxes of the 3D columns, which outlives its use here; without one they are
     /// disabled.
-    using Operation3D = std::function<void(int row, bool on)>;
-    void set3DOperations(Operation3D showMaterial, Operation3D useLabelColor);
-    const Operation3D& show3D() const { return showMaterial3D; }
-    const Operation3D& useLabelColor3D() const { return useLabelColor; }
+    void setView3D(GiMaterialView3D* view);
+    GiMaterialView3D* getView3D() const { return view3D; }
     /// What the 3D view shows, one flag per material.
     void set3DVisibility(const bool* visible);
     void set3DUseLabelColor(const bool* used);
@@ -132,6 +130,7 @@ private:
     void addRow();
     void applyVoid(int row);
     void refresh3DColor(int row);
+    void show3DStates();
     void updateColors();
     bool is3D() const;
     QByteArray freshName() const;
@@ -149,6 +148,5 @@ private:
     std::vector<std::unique_ptr<GiQTissueListItem>> items; // by row
     bool committing = false;                               // the name's editor hands over its text
     int pressRow = -1;                                     // under the last left press
-    Operation3D showMaterial3D;
-    Operation3D useLabelColor;
+    GiMaterialView3D* view3D = nullptr;
 };

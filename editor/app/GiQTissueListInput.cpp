@@ -54,7 +54,9 @@ QItemSelectionModel::SelectionFlags GiQTissueList::selectionCommand(const QModel
 
 bool GiQTissueList::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
 {
-    return index.column() == kName && QTableWidget::edit(index, trigger, event);
+    // The key means the row, in whatever cell of it the keyboard is.
+    const QModelIndex cell = trigger == EditKeyPressed ? index.siblingAtColumn(kName) : index;
+    return cell.column() == kName && QTableWidget::edit(cell, trigger, event);
 }
 
 void GiQTissueList::mousePressEvent(QMouseEvent* event)

@@ -1,5 +1,6 @@
 #include "app/GiQTissueListItem.h"
 
+#include "app/GiMaterialView3D.h"
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
 #include "hx/HxMatDatabase.h"
@@ -106,7 +107,7 @@ void GiQTissueListItem::fillCells(int row)
     setColor(colorOf(*list->bundleOf(row)));
     setName(list->nameOf(row));
     showStates(row);
-    enable3D(bool(list->show3D()));
+    enable3D(list->getView3D());
 }
 
 void GiQTissueListItem::showStates(int row)
@@ -148,6 +149,7 @@ void GiQTissueListItem::setName(const QString& name)
 {
     const QSignalBlocker noEdit(list);
     nameItem->setText(name);
+    nameItem->setToolTip("<p>" + name.toHtmlEscaped() + "</p>"); // the column cuts long ones off
 }
 
 void GiQTissueListItem::setColor(const QColor& newColor)
@@ -186,12 +188,12 @@ void GiQTissueListItem::enable3D(bool on)
 
 void GiQTissueListItem::slotShow3D(bool on)
 {
-    if (list->show3D()) list->show3D()(row(), on);
+    if (GiMaterialView3D* view = list->getView3D()) view->setLabelClipped(row(), !on);
 }
 
 void GiQTissueListItem::slotShowColor(bool on)
 {
-    if (list->useLabelColor3D()) list->useLabelColor3D()(row(), on);
+    if (GiMaterialView3D* view = list->getView3D()) view->setUseLabelColor(row(), on);
 }
 
 void GiQTissueListItem::setDrawStyle2D(unsigned int style)

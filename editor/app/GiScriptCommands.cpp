@@ -1,5 +1,6 @@
 #include "app/GiScriptCommands.h"
 
+#include "app/GiMaterialView3D.h"
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
 #include "app/GiQTissueListItem.h"
@@ -13,6 +14,7 @@
 #include "hx/HxScriptCommands.h"
 #include "mc/McInterface.h"
 #include "qx/HxColorEditor.h"
+#include "qx/QxMaterialValidator.h"
 
 #include <algorithm>
 #include <string>
@@ -123,6 +125,11 @@ int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
         Tcl_VaSetResult(interp, "%s", hasLongName ? static_cast<const char*>(longName) : material->getName());
         return TCL_OK;
     }
+    int place = 0;
+    QString typed = QString::fromUtf8(value);
+    if (!typed.isEmpty() && QxMaterialValidator().validate(typed, place) != QValidator::Acceptable)
+        return fail(interp, "material: a name has at most " + std::to_string(QxMaterialValidator::kMaxBytes) +
+                                " bytes and no control characters.");
     const McString name = HxParamBase::cleanName(value);
     if (!hasLongName && name.length() == 0)
         return fail(interp,
@@ -130,7 +137,7 @@ int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
     const HxParamBundle* other = hasLongName ? nullptr : gi.materials->bundle(name, 0);
     const bool isTaken = other && other != material;
     const int count = gi.materials->nBundles();
-    tissueList(gi).item(index, GiQTissueList::kName)->setText(QString::fromUtf8(value));
+    tissueList(gi).item(index, GiQTissueList::kName)->setText(typed);
     const bool hasMerged = gi.materials->nBundles() < count;
     if (isTaken && !hasMerged) // the question whether to merge the two was not answered so
         return fail(interp, std::string("material: there is a material \"") + static_cast<const char*>(name) +
@@ -183,17 +190,27 @@ int materialStyle2D(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
     return TCL_OK;
 }
 
+/// The view's own answer: with volume rendering on, its renderer keeps the flags.
+bool isVisible3D(GiQ& gi, int index)
+{
+    GiMaterialView3D* view = tissueList(gi).getView3D();
+    if (!view) return gi.visible3D[index] != 0;
+    bool visible[GiMaterialView3D::kLabels] = {};
+    view->get3DVisibility(visible);
+    return visible[index];
+}
+
 int materialShow3D(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
 {
     int on;
     if (value) {
         if (Tcl_GetBoolean(interp, value, &on) != TCL_OK)
             return fail(interp, std::string("material: \"") + value + "\" is neither 0 nor 1.");
-        if (!tissueList(gi).show3D()) return fail(interp, "material: there is no 3D view.");
+        if (!tissueList(gi).getView3D()) return fail(interp, "material: there is no 3D view.");
         tissueList(gi).itemOf(index)->setShow3D(on != 0);
         tissueList(gi).itemOf(index)->slotShow3D(on != 0);
     }
-    Tcl_VaSetResult(interp, "%d", gi.visible3D[index] ? 1 : 0);
+    Tcl_VaSetResult(interp, "%d", isVisible3D(gi, index) ? 1 : 0);
     return TCL_OK;
 }
 

@@ -3,6 +3,7 @@
 
 #include "WindowSession.h"
 
+#include "app/GiMaterialView3D.h"
 #include "app/GiQTissueList.h"
 #include "app/GiQTissueListItem.h"
 #include "hx/HxMatDatabase.h"
@@ -100,7 +101,12 @@ protected:
         ASSERT_TRUE(line);
         line->selectAll();
         QTest::keyClick(line, Qt::Key_Delete);
-        QTest::keyClicks(line, name);
+        for (const QChar c : QString::fromUtf8(name)) {
+            if (c.unicode() < 128)
+                QTest::keyClick(line, c.toLatin1());
+            else
+                line->insert(c); // an input method's
+        }
         QTest::keyClick(line, Qt::Key_Return);
         QCoreApplication::processEvents(); // takes the text
         QCoreApplication::processEvents(); // asks about a merge
@@ -298,6 +304,60 @@ TEST_F(TissueList, ARenameCleansMergesOrKeepsTheName)
     EXPECT_EQ(list->currentRow(), 4);
 }
 
+TEST_F(TissueList, TypedNamesStopAtTheLimitAndLoseWhatIsNotLegal)
+{
+    QTest::keyClick(list, Qt::Key_F2); // from any cell of the row
+    auto* line = list->viewport()->findChild<QLineEdit*>();
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->text(), "M5");
+    QTest::keyClick(line, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    const struct
+    {
+        std::string typed, expected;
+    } table[] = {{std::string(80, 'x'), std::string(64, 'x')},
+                 {"Gr\u00f6\u00dfe 7", "Gre_7"},
+                 {"a\"b\\c{d}e;f", "abcdef"},
+                 {" ", "_"},
+                 {"..", ".."}};
+    for (const auto& row : table) {
+        rename(1, "");
+        rename(1, row.typed.c_str());
+        EXPECT_EQ(names()[1], row.expected);
+        EXPECT_EQ(materials()->bundle(1)->getName(), row.expected);
+    }
+    // A long name of a file is shown whole, and keeps every character.
+    const std::string long80 = "Gr\u00f6\u00dfe " + std::string(80, 'y');
+    materials()->bundle(4)->set("LongName", long80.c_str());
+    list->updateMaterialVisibility();
+    EXPECT_EQ(names()[4], long80);
+    EXPECT_EQ(list->item(4, GiQTissueList::kName)->toolTip().toStdString(), "<p>" + long80 + "</p>");
+    rename(4, "\u00c4u\u00dferes");
+    EXPECT_EQ(names()[4], "\u00c4u\u00dferes");
+    EXPECT_STREQ(materials()->bundle(4)->getName(), "M4");
+    rename(4, ""); // none at all would be no name
+    EXPECT_EQ(names()[4], "\u00c4u\u00dferes");
+    EXPECT_EQ(error("material 1 name " + std::string(65, 'x')),
+              "material: a name has at most 64 bytes and no control characters.");
+    EXPECT_EQ(error("material 4 name \"a\\tb\""),
+              "material: a name has at most 64 bytes and no control characters.");
+    EXPECT_EQ(names()[1], "..");
+}
+
+TEST_F(TissueList, AKnownNameWithoutColorLeavesTheMaterialBare)
+{
+    HxParamBundle& known = *HxMatDatabase::getTheDatabase()->materials();
+    known.bundle("Ether", 1);
+    list->addTissue("Ether");
+    EXPECT_EQ(materials()->bundle(6)->nParameters(), 0);
+    const McColor byName = HxMatDatabase::getTheDatabase()->getColor("Ether");
+    EXPECT_NEAR(list->itemOf(6)->getColor().redF(), byName.r, 0.01);
+    rename(1, "Ether"); // another has it: asked, and without an answer not merged
+    EXPECT_EQ(names()[1], "M1");
+    known.remove(known.bundle("Ether", 0));
+}
+
 TEST_F(TissueList, NewMaterialsGetFreshNamesAndColorsUntilLabelsRunOut)
 {
     int added = 0;
@@ -375,6 +435,13 @@ TEST_F(TissueList, ClicksChooseColorLockAndMarkVoxels)
     select(5, Qt::ControlModifier);
     EXPECT_TRUE(allSelectedAre({1}));
 
+    toolbox().currentSliceRadioButton->click();
+    select(4, {});
+    GiViewer* viewer = gi()->getCurrentViewer();
+    ASSERT_EQ(viewer->getOrientation(), 2);
+    for (int i = 0; i < kVoxels; ++i)
+        EXPECT_EQ(selection().isSet(i), i / 20 == viewer->getSlice() ? voxels()[i] == 4 : voxels()[i] == 1);
+
     std::vector<int> recolored;
     QObject listener;
     QObject::connect(gi(), &GiQ::colorChanged, &listener,
@@ -429,20 +496,66 @@ TEST_F(TissueList, CheckBoxesHideAndBringTheLastStyleBack)
     click(box);
     EXPECT_EQ(gi()->drawStyle2D[2], 3);
     EXPECT_TRUE(box->isChecked());
+}
 
-    auto* box3D = widgetIn<QCheckBox>(2, GiQTissueList::kShow3D);
-    EXPECT_FALSE(box3D->isEnabled());
-    std::vector<std::pair<int, bool>> shown, colored;
-    list->set3DOperations([&](int row, bool on) { shown.emplace_back(row, on); },
-                          [&](int row, bool on) { colored.emplace_back(row, on); });
-    click(box3D);
-    EXPECT_EQ(shown, (std::vector<std::pair<int, bool>>{{2, true}}));
-    click(widgetIn<QCheckBox>(2, GiQTissueList::kColor3D));
+/// Stands in for the view of a window: it keeps its flags in tables and notes what it is told.
+class NotingView3D : public GiMaterialView3D
+{
+public:
+    void setLabelClipped(int label, bool clipped) override
+    {
+        visible[label] = !clipped;
+        told.push_back((clipped ? "hide " : "show ") + std::to_string(label));
+    }
+    void setUseLabelColor(int label, bool on) override
+    {
+        colored[label] = on;
+        told.push_back((on ? "color " : "gray ") + std::to_string(label));
+    }
+    void get3DVisibility(bool* flags) override { std::copy(visible, visible + kLabels, flags); }
+    void getUseLabelColor(bool* flags) override { std::copy(colored, colored + kLabels, flags); }
+    void updateLabels(int removed) override
+    {
+        std::copy(visible + removed + 1, visible + kLabels, visible + removed);
+        told.push_back("removed " + std::to_string(removed));
+    }
+
+    bool visible[kLabels] = {}, colored[kLabels] = {};
+    std::vector<std::string> told;
+};
+
+TEST_F(TissueList, Boxes3DFollowTheViewAndTellIt)
+{
+    const auto box = [&](int row) { return widgetIn<QCheckBox>(row, GiQTissueList::kShow3D); };
+    const auto colorBox = [&](int row) { return widgetIn<QCheckBox>(row, GiQTissueList::kColor3D); };
+    EXPECT_FALSE(box(2)->isEnabled());
+    EXPECT_FALSE(colorBox(2)->isEnabled());
+    NotingView3D view;
+    view.visible[3] = view.colored[4] = true;
+    list->setView3D(&view);
+    EXPECT_TRUE(box(3)->isChecked() && colorBox(4)->isChecked());
+    EXPECT_TRUE(view.told.empty());
+    click(box(2));
+    click(box(3));
+    click(colorBox(2));
     HxColorEditor::setNextAnswer(true, 1, 0, 0);
-    list->editColor(2); // the 3D view takes the new color over
-    EXPECT_EQ(colored, (std::vector<std::pair<int, bool>>{{2, true}, {2, false}, {2, true}}));
-    list->set3DOperations({}, {});
-    EXPECT_FALSE(box3D->isEnabled());
+    list->editColor(2); // takes the new color over
+    rename(2, "Fat");   // with a color of its own
+    list->editColor(3); // shown without color there
+    EXPECT_EQ(view.told, (std::vector<std::string>{"show 2", "hide 3", "color 2", "gray 2", "color 2",
+                                                   "gray 2", "color 2"}));
+    EXPECT_EQ(eval("material 3 show3D 1"), "1");
+    EXPECT_TRUE(box(3)->isChecked());
+
+    view.told.clear();
+    list->removeTissue(1, 0);
+    EXPECT_EQ(view.told, std::vector<std::string>{"removed 1"});
+    EXPECT_TRUE(box(2)->isChecked());
+    list->setTissues(materials(), -1); // as at each start of editing
+    EXPECT_TRUE(box(1)->isChecked() && box(2)->isChecked() && !box(3)->isChecked());
+    EXPECT_TRUE(box(1)->isEnabled());
+    list->setView3D(nullptr);
+    EXPECT_FALSE(box(2)->isEnabled());
 }
 
 TEST_F(TissueList, MenuOffersWhatFitsAndDoesIt)
