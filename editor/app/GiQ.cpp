@@ -1,5 +1,6 @@
 #include "app/GiQ.h"
 
+#include "app/GiQTissueList.h"
 #include "app/GiQToolboxProtected.h"
 #include "app/GiResetOrientationTool.h"
 #include "app/GiSetOrientationTool.h"
@@ -155,6 +156,12 @@ void GiQ::stateRestored()
 {
     // Voxels that come back can lie outside the slices in view.
     checkForHiddenSelection();
+}
+
+void GiQ::setCurrentTissue(int tissue)
+{
+    if (toolbox) toolbox->tissueList->setTissue(tissue);
+    Gi::setCurrentTissue(tissue);
 }
 
 void GiQ::sliceNumberChanged(GiViewer* viewer)

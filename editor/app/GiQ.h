@@ -60,6 +60,8 @@ public:
     using Gi::redraw;
     void updateUndoSensitivity() override;
     void stateRestored() override;
+    /// The row of the material list follows.
+    void setCurrentTissue(int tissue) override;
     void sliceNumberChanged(GiViewer* viewer) override;
     void touchData(int selectionTouched, int labelsTouched, int orientation, int slice, int, int) override;
     void set3dMode(bool on) override;

@@ -121,8 +121,7 @@ int makeMaterialCurrent(const Call& call)
 {
     const int index = call.number(2);
     if (!call.gi.materials || index < 0 || index >= call.gi.materials->nBundles()) return TCL_ERROR;
-    call.gi.getToolbox()->tissueList->setTissue(index);
-    call.gi.currentTissue = index;
+    call.gi.setCurrentTissue(index);
     return TCL_OK;
 }
 

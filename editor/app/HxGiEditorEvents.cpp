@@ -1,7 +1,6 @@
 // The editor's answers to pointer and keys that belong to no tool.
 
 #include "app/GiQ.h"
-#include "app/GiQTissueList.h"
 #include "app/GiQToolbox.h"
 #include "app/HxGiEditor.h"
 #include "app/HxMain.h"
@@ -28,11 +27,7 @@ struct Target
     int is3D() const { return toolbox.selectionIs3D(); }
     int material() const { return gi.currentTissue; }
 
-    void makeCurrent(int index) const
-    {
-        if (toolbox.tissueList) toolbox.tissueList->setTissue(index);
-        gi.currentTissue = index;
-    }
+    void makeCurrent(int index) const { gi.setCurrentTissue(index); }
 };
 
 // Keys that go through the slices

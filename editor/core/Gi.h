@@ -77,6 +77,8 @@ public:
     virtual void touchData(int selectionTouched, int labelsTouched, int orientation, int slice, int, int);
     virtual void setZoomFactor(float zoom);
     virtual void updateUndoSensitivity() {}
+    /// Makes a material the one that tools and transfers act on.
+    virtual void setCurrentTissue(int tissue) { currentTissue = tissue; }
     /// Undo or redo has brought back an earlier state; it is not announced by touchData().
     virtual void stateRestored() {}
     /// Voxel under pixel (x, y) of a 3D viewer; 0 if nothing is hit.
