@@ -1,6 +1,7 @@
 #include "core/GiRowFill.h"
 
 #include "core/GiBitRows.h"
+#include "mc/McProgressInterface.h"
 
 #include <algorithm>
 #include <bit>
@@ -10,7 +11,8 @@
 namespace {
 
 constexpr int kNoWord = std::numeric_limits<int>::max();
-constexpr unsigned long kPlanesKept = 4; // a look reaches into both neighbouring planes; power of 2
+constexpr unsigned long kLooksBetweenPolls = 1024; // about a millisecond in rows of 512 voxels
+constexpr unsigned long kPlanesKept = 4;           // a look reaches into both neighbouring planes
 
 /// Spreads bits upwards along the runs of `open`: an addition carries each bit to the end of its
 /// run. `carry` comes from the word below and goes to the word above.
@@ -39,6 +41,7 @@ GiRowFill::GiRowFill(const unsigned long* dims, McBitfield& marks, AcceptRow acc
       ny(static_cast<long>(dims[1])),
       nz(static_cast<long>(dims[2])),
       rowWords((dims[0] + 63) / 64),
+      planesKept(std::clamp(dims[2], 1ul, kPlanesKept)),
       reached(marks),
       acceptRow(std::move(accept)),
       bounds{nx, ny, nz, -1, -1, -1}
@@ -47,7 +50,7 @@ GiRowFill::GiRowFill(const unsigned long* dims, McBitfield& marks, AcceptRow acc
     rows.resize(static_cast<int>(numRows));
     for (Row& row : rows) row = Row{kNoWord, -1};
     listed.resize(numRows);
-    const unsigned long slots = kPlanesKept * dims[1];
+    const unsigned long slots = planesKept * dims[1];
     accepted.resize(static_cast<int>(slots * rowWords));
     acceptedOf.resize(static_cast<int>(slots));
     for (long& row : acceptedOf) row = -1;
@@ -56,7 +59,7 @@ GiRowFill::GiRowFill(const unsigned long* dims, McBitfield& marks, AcceptRow acc
 
 unsigned long GiRowFill::slotOf(long y, long z) const
 {
-    return static_cast<unsigned long>(z) % kPlanesKept * static_cast<unsigned long>(ny) +
+    return static_cast<unsigned long>(z) % planesKept * static_cast<unsigned long>(ny) +
            static_cast<unsigned long>(y);
 }
 
@@ -105,7 +108,14 @@ void GiRowFill::addSeeds(unsigned long row, unsigned long i, std::uint64_t seeds
     if (scratch[at]) spread(y, z, open, at, at);
 }
 
-unsigned long GiRowFill::fill(long* filled)
+bool GiRowFill::isToStop(McProgressInterface& progress)
+{
+    if (++looks % kLooksBetweenPolls) return false;
+    progress.setProgress(static_cast<double>(count) / static_cast<double>(reached.numBits()));
+    return progress.interrupted();
+}
+
+unsigned long GiRowFill::fill(long* filled, McProgressInterface* progress)
 {
     const auto numRows = static_cast<unsigned long>(rows.size());
     bool isDone = false;
@@ -113,12 +123,14 @@ unsigned long GiRowFill::fill(long* filled)
         isDone = true;
         for (unsigned long row = giFindSet(listed.words(), 0, numRows); row < numRows;
              row = giFindSet(listed.words(), row + 1, numRows)) {
+            if (progress && isToStop(*progress)) return count;
             lookAt(row);
             isDone = false;
         }
         for (unsigned long end = numRows, row; end > 0; end = row) {
             row = giFindLastSet(listed.words(), 0, end);
             if (row == end) break;
+            if (progress && isToStop(*progress)) return count;
             lookAt(row);
             isDone = false;
         }

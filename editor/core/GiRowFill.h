@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <functional>
 
+class McProgressInterface;
+
 /// A 6-connected fill over a volume whose rows are given as bits.
 ///
 /// Whole rows are the unit of work: what the four neighbouring rows have reached enters a row at
@@ -38,9 +40,11 @@ public:
 
     /// Fills from all seeds and marks what is reached.
     ///
-    /// bounds   xmin, ymin, zmin, xmax, ymax, zmax, widened by what is filled
-    /// returns  the number of voxels filled
-    unsigned long fill(long* bounds);
+    /// bounds    xmin, ymin, zmin, xmax, ymax, zmax, widened by what is filled
+    /// progress  shows the share of the volume that is filled, which is a region's least share of the way;
+    ///           once interrupted, the fill ends with what it has. Null: nobody watches
+    /// returns   the number of voxels filled
+    unsigned long fill(long* bounds, McProgressInterface* progress = nullptr);
 
 private:
     struct Row
@@ -52,11 +56,13 @@ private:
     const std::uint64_t* acceptedIn(long y, long z);
     void list(long y, long z, int firstWord, int lastWord);
     void lookAt(unsigned long row);
+    bool isToStop(McProgressInterface& progress);
     void spread(long y, long z, const std::uint64_t* open, int firstWord, int lastWord);
     void mark(long y, long z, int firstWord, int lastWord);
 
     const long nx, ny, nz;
     const unsigned long rowWords;
+    const unsigned long planesKept;
     McBitfield& reached;
     AcceptRow acceptRow;
     McDArray<Row> rows;
@@ -65,5 +71,6 @@ private:
     McDArray<long> acceptedOf;        // the row in each slot; -1: none
     McDArray<std::uint64_t> scratch;  // one row: where a look found growth, then the growth itself
     unsigned long count = 0;
+    unsigned long looks = 0;
     long bounds[6];
 };

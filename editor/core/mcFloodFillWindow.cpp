@@ -50,7 +50,7 @@ bool accepts(const GiRowFill::AcceptRow& test, unsigned long nx, unsigned long x
 
 template <class T>
 unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned long* dims, int x, int y, int z,
-                                McBitfield& visited, int* box)
+                                McBitfield& visited, int* box, McProgressInterface* progress)
 {
     mcSizeVisited(visited, dims[0] * dims[1] * dims[2]);
 
@@ -75,7 +75,7 @@ unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned lo
             for (const auto& [j, k] : starts)
                 if (isInside(dims, x, j, k))
                     fill.addSeeds(rowOf(j, k), column / 64, std::uint64_t{1} << (column % 64));
-            count = fill.fill(bounds);
+            count = fill.fill(bounds, progress);
             for (unsigned long i = 0; i < ownRegion.numWords(); ++i)
                 visited.words()[i] |= ownRegion.words()[i];
         }
@@ -93,16 +93,16 @@ unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned lo
 }
 
 template unsigned long mcFloodFillWindow(const McFillWindow<unsigned char>&, const unsigned long*, int, int,
-                                         int, McBitfield&, int*);
+                                         int, McBitfield&, int*, McProgressInterface*);
 template unsigned long mcFloodFillWindow(const McFillWindow<short>&, const unsigned long*, int, int, int,
-                                         McBitfield&, int*);
+                                         McBitfield&, int*, McProgressInterface*);
 template unsigned long mcFloodFillWindow(const McFillWindow<unsigned short>&, const unsigned long*, int, int,
-                                         int, McBitfield&, int*);
+                                         int, McBitfield&, int*, McProgressInterface*);
 template unsigned long mcFloodFillWindow(const McFillWindow<int>&, const unsigned long*, int, int, int,
-                                         McBitfield&, int*);
+                                         McBitfield&, int*, McProgressInterface*);
 template unsigned long mcFloodFillWindow(const McFillWindow<unsigned int>&, const unsigned long*, int, int,
-                                         int, McBitfield&, int*);
+                                         int, McBitfield&, int*, McProgressInterface*);
 template unsigned long mcFloodFillWindow(const McFillWindow<float>&, const unsigned long*, int, int, int,
-                                         McBitfield&, int*);
+                                         McBitfield&, int*, McProgressInterface*);
 template unsigned long mcFloodFillWindow(const McFillWindow<double>&, const unsigned long*, int, int, int,
-                                         McBitfield&, int*);
+                                         McBitfield&, int*, McProgressInterface*);

@@ -1,6 +1,7 @@
 #pragma once
 
 class McBitfield;
+class McProgressInterface;
 
 /// What a fill over a volume of numbers may enter: values from `min` to `max`, both included, and,
 /// if `labels` is given and `label` is not negative, voxels of that label only.
@@ -24,6 +25,8 @@ struct McFillWindow
 ///          fills have marked is not entered. These must have had disjoint acceptances or the same
 ///          one, so that a run of accepted voxels along x is marked as a whole or not at all.
 /// box      null, or six ints for xmin, xmax, ymin, ymax, zmin, zmax
+/// progress  null, or what shows how far the fill is and can stop it; of a fill that was interrupted marks,
+///           count and box mean nothing
 /// throws   McMemoryException
 ///
 /// Each row is tested as a whole when the fill first reaches it, by vector compares into one bit
@@ -31,4 +34,4 @@ struct McFillWindow
 /// if `visited` comes with marks, otherwise a few planes of bits and eight bytes per row.
 template <class T>
 unsigned long mcFloodFillWindow(const McFillWindow<T>& window, const unsigned long* dims, int x, int y, int z,
-                                McBitfield& visited, int* box);
+                                McBitfield& visited, int* box, McProgressInterface* progress = nullptr);
