@@ -115,16 +115,18 @@ void Gi::subtractSlice(int tissue)
     GiViewer* viewer = getCurrentViewer();
     if (!viewer) return;
     saveUndoInformationForSlice(1, 1, nullptr);
+    // Taken before the transfer: pixels that a tool holds back leave the selection, too.
+    McBox2i selected;
+    viewer->getSelection()->computeBoundingBox(selected);
     viewer->getLabelImage()->subtractSelection(*viewer->getSelection(), tissue);
-    McBox2i cleared;
-    const bool any = viewer->getSelection()->clear(cleared) != 0;
+    viewer->getSelection()->clear();
     // Taken before the tool is told: its answer may be another slice. The outline of the neighbours lies one
     // pixel further out.
     GiFrameBuffer* buffer = viewer->getFrameBuffer();
     McBox2i screen;
-    if (any && buffer)
+    if (!selected.isEmpty() && buffer)
         screen = buffer->screenBox(
-            McBox2i(cleared.xmin - 1, cleared.ymin - 1, cleared.xmax + 1, cleared.ymax + 1));
+            McBox2i(selected.xmin - 1, selected.ymin - 1, selected.xmax + 1, selected.ymax + 1));
     notifyTool(kSelectionSubtracted);
     if (!screen.isEmpty()) {
         buffer->render(screen, nullptr);
