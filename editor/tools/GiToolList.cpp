@@ -7,6 +7,7 @@
 #include "display/GiViewer.h"
 #include "tools/GiBrush.h"
 #include "tools/GiCrossHairTool.h"
+#include "tools/GiMagicWand.h"
 #include "tools/GiPanTool.h"
 #include "tools/GiThreshold.h"
 #include "tools/GiTool.h"
@@ -21,6 +22,7 @@ void Gi::createTools()
 {
     for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
     tools[GiBrush::kIndex] = new GiBrush(this);
+    tools[GiMagicWand::kIndex] = new GiMagicWand(this);
     tools[GiThreshold::kIndex] = new GiThreshold(this);
     panTool = tools[GiPanTool::kIndex] = new GiPanTool(this);
     for (int i = 0; i < kNumTools; ++i)

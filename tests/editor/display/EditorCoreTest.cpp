@@ -259,7 +259,7 @@ TEST(EditorCore, ToolsAreToldOfSelectionAndEndWithTheirViewers)
     EXPECT_EQ(tool->calls, (std::vector<std::string>{"init", "select", "notify 4", "notify 5", "deselect",
                                                      "deselect", "deselect"}));
     EXPECT_EQ(editor.gi.currentTool, nullptr);
-    editor.gi.setTool(3); // an entry without tool
+    editor.gi.setTool(editor.gi.tools.append(nullptr)); // an entry without tool
     EXPECT_EQ(editor.gi.currentTool, nullptr);
     EXPECT_EQ(editor.gi.cursorUpdates, 2);
     editor.gi.setTool(77);

@@ -59,6 +59,13 @@ public:
     }
     void updateUndoSensitivity() override { ++sensitivityUpdates; }
     void updateCursor() override { ++cursorUpdates; }
+    void setToolDataWindow(float min, float max, bool) override
+    {
+        toolDataWindow[0] = min;
+        toolDataWindow[1] = max;
+    }
+    void setToolDataWindowSliderTracking(bool on) override { tracking = on; }
+    bool toolDataWindowSliderTracking() override { return tracking; }
 
     /// Shows the viewer of an orientation, which becomes the current one.
     GiViewer* activate(int orientation)
@@ -72,6 +79,7 @@ public:
     int redraws = 0;
     int sensitivityUpdates = 0;
     int cursorUpdates = 0;
+    bool tracking = true;
 };
 
 /// A label field over itself as image, bound to a TestGi.

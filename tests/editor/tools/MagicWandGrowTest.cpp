@@ -1,0 +1,393 @@
+// The magic wand's regions, beside the plain fills with a test of each pixel.
+
+#include "editor/tools/ToolImage.h"
+#include "editor/tools/WandEditor.h"
+
+#include "core/GiOrientation.h"
+#include "core/mcFloodFill.h"
+#include "hx/HxWorkArea.h"
+
+#include <cmath>
+
+namespace {
+
+/// What a pixel needs, one pixel at a time.
+template <class T>
+struct GiMagicWandChecker
+{
+    bool accepts(T value, int x, int y) const
+    {
+        return (label < 0 || labels2D(x, y) == label) && value >= min && value <= max;
+    }
+    bool accepts(T value, int x, int y, int z) const
+    {
+        return (label < 0 || labels3D(x, y, z) == label) && value >= min && value <= max;
+    }
+
+    T min, max;
+    int label = -1;
+    McData2D<unsigned char> labels2D;
+    McData3D<unsigned char> labels3D;
+};
+
+/// The clear pixels of a slice, to be filled from outside.
+struct MagicWandBitfield2D
+{
+    int operator()(int x, int y) const { return bits->isSet(static_cast<unsigned long>(y * width + x)); }
+
+    int width, height;
+    McBitfield* bits;
+};
+
+/// A window as a range of the element type; the odd lower end of short empties it.
+template <class T>
+void plainRange(const float* window, bool inSlice, T* range)
+{
+    for (int i = 0; i < 2; ++i) {
+        if constexpr (std::is_floating_point_v<T>) {
+            range[i] = static_cast<T>(window[i]);
+            continue;
+        }
+        const double least = static_cast<double>(std::numeric_limits<T>::min()),
+                     most = static_cast<double>(std::numeric_limits<T>::max());
+        double v = std::floor(static_cast<double>(window[i]) + 0.5);
+        if (v > most) v = most;
+        if (v < least) v = least;
+        range[i] = static_cast<T>(v);
+    }
+    if (std::is_same_v<T, short> && inSlice && window[0] < -32768) {
+        range[0] = static_cast<T>(1);
+        range[1] = static_cast<T>(0);
+    }
+}
+
+/// The line by sums of errors, step by step.
+void plainLine(const McVec2f& from, const McVec2f& to, int width, int height,
+               std::vector<unsigned char>& image)
+{
+    int x0 = static_cast<int>(from.x), y0 = static_cast<int>(from.y);
+    int x1 = static_cast<int>(to.x), y1 = static_cast<int>(to.y);
+    if (x1 < x0) {
+        std::swap(x0, x1);
+        std::swap(y0, y1);
+    }
+    const int dx = x1 - x0, dy = std::abs(y1 - y0), down = y1 < y0 ? -1 : 1;
+    int error = 0;
+    for (int x = x0, y = y0;;) {
+        if (x >= 0 && y >= 0 && x < width && y < height) image[static_cast<std::size_t>(y * width + x)] = 255;
+        if (x == x1 && y == y1) return;
+        if (dx >= dy) {
+            ++x;
+            error += 2 * dy;
+            if (error >= dx) {
+                y += down;
+                error -= 2 * dx;
+            }
+        } else {
+            y += down;
+            error += 2 * dx;
+            if (error >= dy) {
+                ++x;
+                error -= 2 * dy;
+            }
+        }
+    }
+}
+
+void plainInterior(McBitfield& bits, int width, int height, const int* box)
+{
+    const MagicWandBitfield2D data{width, height, &bits};
+    McEqualityChecker<int> isClear(0);
+    McBitfield outside(bits.numBits());
+    for (int y = box[1]; y <= box[3]; ++y)
+        for (int x = box[0]; x <= box[2]; ++x) {
+            const bool isEdge = x == box[0] || x == box[2] || y == box[1] || y == box[3];
+            const auto bit = static_cast<unsigned long>(y * width + x);
+            if (isEdge && !bits.isSet(bit) && !outside.isSet(bit))
+                mcFloodFill2D(data, isClear, x, y, outside, nullptr);
+        }
+    for (int y = box[1]; y < box[3]; ++y)
+        for (int x = box[0]; x < box[2]; ++x) {
+            const auto bit = static_cast<unsigned long>(y * width + x);
+            if (!outside.isSet(bit)) bits.set(bit);
+        }
+}
+
+template <class T>
+class MagicWandOnImage : public testing::Test
+{
+protected:
+    static constexpr int kSides[3] = {67, 31, 13}; // neither rows nor slices fill whole words
+
+    MagicWandOnImage()
+        : edited(67, 31, 13), wand(dynamic_cast<GiMagicWand&>(*edited.gi.tools[GiMagicWand::kIndex]))
+    {
+        wand.getWidget(nullptr);
+    }
+
+    T& value(const MagicWandSeed& s) { return values()[s.x + kSides[0] * (s.y + kSides[1] * s.z)]; }
+    T* values() { return static_cast<T*>(edited.gi.imageSlices.data()); }
+
+    MagicWandSeed randomSeed(std::mt19937& random, int orientation)
+    {
+        MagicWandSeed seed;
+        seed.orientation = orientation;
+        seed.setVoxel(McVec3i(static_cast<int>(random() % 67), static_cast<int>(random() % 31),
+                              static_cast<int>(random() % 13)));
+        float window[2];
+        ToolImage<T>::chooseWindow(random, window);
+        seed.min = window[0] - static_cast<float>(random() % 3);
+        seed.max = window[1] + static_cast<float>(random() % 3);
+        seed.sameMaterial = random() % 2;
+        seed.fillInterior = random() % 2;
+        return seed;
+    }
+    void drawLimits(std::mt19937& random, const MagicWandSeed& seed, int width, int height)
+    {
+        wand.limits.clear();
+        for (unsigned int n = random() % 4; n > 0; --n) {
+            MagicWandLimit limit;
+            limit.orientation = seed.orientation;
+            limit.slice = seed.coordinate(giSliceAxis(seed.orientation)) + (random() % 5 == 0);
+            for (int i = 0; i < 4; ++i)
+                limit.points.append(McVec2f(
+                    static_cast<float>(random() % 1000) / 1000 * static_cast<float>(width + 20) - 10,
+                    static_cast<float>(random() % 1000) / 1000 * static_cast<float>(height + 20) - 10));
+            wand.limits.append(limit);
+        }
+    }
+
+    DrawnEditor edited;
+    GiMagicWand& wand;
+};
+TYPED_TEST_SUITE(MagicWandOnImage, ToolImageTypes);
+
+TYPED_TEST(MagicWandOnImage, RegionsOfSlicesEqualThePlainRule)
+{
+    using T = TypeParam;
+    std::mt19937 random(11);
+    DrawnEditor& editor = this->edited;
+    const ToolImage<T> image(editor, random);
+    unsigned char label = 0;
+    for (unsigned long i = 0; i < editor.size(); ++i)
+        editor.labels()[i] = label = random() % 20 ? label : static_cast<unsigned char>(random() % 3);
+    long total = 0, withLimits = 0;
+    for (int trial = 0; trial < 300; ++trial) {
+        SCOPED_TRACE(trial);
+        const int o = trial % 3;
+        const MagicWandSeed seed = this->randomSeed(random, o);
+        GiViewer& viewer = *editor.gi.activate(o);
+        viewer.setSlice(seed.coordinate(o), false);
+        const int width = editor.gi.selection->getWidth(o), height = editor.gi.selection->getHeight(o);
+        this->drawLimits(random, seed, width, height);
+
+        std::vector<unsigned char> view(static_cast<std::size_t>(width * height));
+        bool hasLimits = false;
+        for (const MagicWandLimit& limit : this->wand.limits) {
+            if (limit.slice != seed.coordinate(o)) continue;
+            hasLimits = true;
+            for (int i = 0; i + 1 < limit.points.size(); ++i)
+                plainLine(limit.points[i], limit.points[i + 1], width, height, view);
+        }
+        const auto voxel = [&](int x, int y) {
+            const McVec3i v = editor.gi.getPoint3D(x, y, &viewer);
+            return static_cast<std::size_t>(v.x + 67 * (v.y + 31 * v.z));
+        };
+        std::vector<T> pixels(view.size());
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const auto i = static_cast<std::size_t>(y * width + x);
+                pixels[i] = this->values()[voxel(x, y)];
+                if (seed.sameMaterial && view[i] == 0) view[i] = editor.labels()[voxel(x, y)];
+            }
+        const int px = seed.coordinate(giWidthAxis(o)), py = seed.coordinate(giHeightAxis(o));
+        const float window[2] = {seed.min, seed.max};
+        T range[2];
+        plainRange(window, true, range);
+        GiMagicWandChecker<T> checker{range[0], range[1], -1, {view.data(), width, height}, {}};
+        if (hasLimits || seed.sameMaterial) checker.label = view[static_cast<std::size_t>(py * width + px)];
+        McData2D<T> data(pixels.data(), width, height);
+        McBitfield expected;
+        int box[4];
+        const int count = mcFloodFill2D(data, checker, px, py, expected, box);
+        if (seed.fillInterior) plainInterior(expected, width, height, box);
+
+        McBitfield grown;
+        McBox2i grownBox;
+        ASSERT_EQ(this->wand.grow2D(grown, grownBox, seed), count);
+        ASSERT_EQ(grownBox, McBox2i(box[0], box[1], box[2], box[3]));
+        ASSERT_EQ(grown, expected);
+        total += count;
+        withLimits += hasLimits && count > 0;
+    }
+    EXPECT_GT(total, 2000) << "the trials must show something";
+    EXPECT_GT(withLimits, 10);
+}
+
+TYPED_TEST(MagicWandOnImage, RegionsOfTheVolumeEqualThePlainRule)
+{
+    using T = TypeParam;
+    std::mt19937 random(12);
+    DrawnEditor& editor = this->edited;
+    const ToolImage<T> image(editor, random);
+    for (unsigned long i = 0; i < editor.size(); ++i)
+        editor.labels()[i] = static_cast<unsigned char>(random() % 8 == 0);
+    auto* sameMaterial =
+        this->wand.getWidget(nullptr)->template findChild<QCheckBox*>("wSameMaterialCheckBox");
+    unsigned long total = 0;
+    for (int trial = 0; trial < 60; ++trial) {
+        SCOPED_TRACE(trial);
+        const MagicWandSeed seed = this->randomSeed(random, 2);
+        editor.gi.setToolDataWindow(seed.min, seed.max, false);
+        sameMaterial->setChecked(seed.sameMaterial);
+        for (unsigned long i = 0; i < editor.size(); ++i)
+            if (random() & 1) editor.gi.selection->set(i);
+
+        const float window[2] = {seed.min, seed.max};
+        T range[2];
+        plainRange(window, false, range);
+        const McData3D<T> data(this->values(), 67, 31, 13);
+        GiMagicWandChecker<T> checker{range[0], range[1], -1, {}, {editor.labels(), 67, 31, 13}};
+        if (seed.sameMaterial) checker.label = editor.labels()[seed.x + 67 * (seed.y + 31 * seed.z)];
+        McBitfield region(editor.size());
+        const auto value = static_cast<float>(this->value(seed));
+        if (value >= seed.min && value <= seed.max)
+            total += mcFloodFill3D(data, checker, seed.x, seed.y, seed.z, region, nullptr);
+        const int code = trial % 3;
+        std::vector<bool> expected;
+        for (unsigned long i = 0; i < editor.size(); ++i)
+            expected.push_back(region.isSet(i)
+                                   ? code != GiMagicWand::kSubtract
+                                   : code != GiMagicWand::kReplace && editor.gi.selection->isSet(i));
+        ASSERT_TRUE(this->wand.regionGrowing3D(code, seed.voxel()));
+        for (unsigned long i = 0; i < editor.size(); ++i)
+            ASSERT_EQ(editor.gi.selection->isSet(i), expected[i]) << i;
+    }
+    EXPECT_GT(total, 5000u);
+}
+
+/// A row of the smallest, a middle and the largest number of a type, and what windows beyond it take.
+template <class T>
+std::string takenByWindow(float min, float max, int at)
+{
+    DrawnEditor editor(3, 1, 1);
+    T values[3] = {std::numeric_limits<T>::lowest(), T(7), std::numeric_limits<T>::max()};
+    const int n = 3;
+    if constexpr (std::is_same_v<T, unsigned char>)
+        editor.gi.setVolumeByte(editor.dims, n, values, editor.lattice());
+    if constexpr (std::is_same_v<T, short>)
+        editor.gi.setVolumeShort(editor.dims, n, values, editor.lattice());
+    if constexpr (std::is_same_v<T, unsigned short>)
+        editor.gi.setVolumeUnsignedShort(editor.dims, n, values, editor.lattice());
+    if constexpr (std::is_same_v<T, int>) editor.gi.setVolumeInt(editor.dims, n, values, editor.lattice());
+    if constexpr (std::is_same_v<T, unsigned int>)
+        editor.gi.setVolumeUnsignedInt(editor.dims, n, values, editor.lattice());
+    MagicWandSeed seed;
+    seed.orientation = 2;
+    seed.x = at;
+    seed.min = min;
+    seed.max = max;
+    McBitfield bits;
+    McBox2i box;
+    dynamic_cast<GiMagicWand&>(*editor.gi.tools[GiMagicWand::kIndex]).grow2D(bits, box, seed);
+    std::string taken;
+    for (unsigned long i = 0; i < 3; ++i) taken += bits.isSet(i) ? '#' : '.';
+    return taken;
+}
+
+TEST(MagicWandWindow, BeyondTheElementTypeIsLimitedToIt)
+{
+    EXPECT_EQ(takenByWindow<unsigned char>(-100, 300, 0), "###");
+    EXPECT_EQ(takenByWindow<unsigned char>(-100, -50, 0), "#..") << "both ends become 0";
+    EXPECT_EQ(takenByWindow<unsigned char>(300, 400, 2), "..#");
+    EXPECT_EQ(takenByWindow<unsigned char>(6.5f, 7.4f, 1), ".#.") << "rounded";
+    EXPECT_EQ(takenByWindow<unsigned char>(7.5f, 8, 1), "...");
+    EXPECT_EQ(takenByWindow<short>(-32768, 1e9f, 0), "###");
+    EXPECT_EQ(takenByWindow<unsigned short>(-1, 1e9f, 0), "###");
+    EXPECT_EQ(takenByWindow<int>(-1e20f, 1e20f, 0), "###");
+    EXPECT_EQ(takenByWindow<unsigned int>(-1, 1e20f, 0), "###");
+    EXPECT_EQ(takenByWindow<int>(NAN, 1e20f, 1), "...");
+}
+
+TEST(MagicWandWindow, KeptBelowTheSmallestShortItHoldsNothing)
+{
+    EXPECT_EQ(takenByWindow<short>(-32769, 100, 0), "...");
+    EXPECT_EQ(takenByWindow<short>(-32769, 100, 1), "...");
+}
+
+TEST_F(WandEditor, LimitsOfAFileMayLieAnywhere)
+{
+    MagicWandLimit limit;
+    limit.slice = 1;
+    limit.orientation = 2;
+    // Through the whole slice along x = 5, from and to places that no walk would reach.
+    for (const McVec2f& p : {McVec2f(5.5f, -3e8f), McVec2f(5.5f, 3e8f), McVec2f(NAN, 2), McVec2f(1e30f, 2)})
+        limit.points.append(p);
+    wand.limits.append(limit);
+    setWindow(0, 255);
+    click(0, 0);
+    EXPECT_EQ(rows(), (Rows{"#####...", "#####...", "#####...", "#####..."}));
+    click(5, 0);
+    EXPECT_EQ(rows(), (Rows{".....#..", ".....#..", ".....#..", ".....#.."})) << "along the line only";
+}
+
+TEST_F(WandEditor, AGrowingThatIsStoppedChangesNothing)
+{
+    // Large enough that the fill looks whether it shall stop.
+    DrawnEditor large(64, 64, 64);
+    std::vector<unsigned char> plain(large.size(), 5);
+    large.gi.setVolumeByte(large.dims, 64, plain.data(), large.lattice());
+    GiMagicWand& tool = toolOf(large);
+    tool.getWidget(nullptr)->findChild<QCheckBox*>("wAllSlicesCheckBox")->setChecked(true);
+    large.gi.setTool(GiMagicWand::kIndex);
+    large.gi.setToolDataWindow(5, 5, false);
+    large.gi.selection->set(1, 2, 3);
+    large.gi.valueUnderPointer = 5;
+    HxWorkArea::getTheWorkArea()->interruptAfter(2);
+    McMouseButtonEvent event = buttonEvent(1, true, 40, 40);
+    large.buffer(2).handleEvent(&event);
+    HxWorkArea::getTheWorkArea()->interruptAfter(0);
+    EXPECT_TRUE(large.gi.selection->get(1, 2, 3));
+    EXPECT_FALSE(large.gi.selection->get(30, 30, 30));
+    EXPECT_FALSE(large.gi.canUndo()) << "no step for nothing";
+    EXPECT_EQ(tool.seeds.size(), 1) << "a narrower window can still be tried from it";
+    EXPECT_EQ(HxWorkArea::getTheWorkArea()->busyDepth(), 0);
+    large.buffer(2).handleEvent(&event);
+    EXPECT_TRUE(large.gi.selection->get(63, 63, 63));
+}
+
+/// A work area's view that clicks as soon as something long begins.
+class ImpatientHand : public HxWorkAreaView
+{
+public:
+    explicit ImpatientHand(GiFrameBuffer& target) : buffer(target) {}
+    void showBusy(const char* text) override
+    {
+        if (text) texts.push_back(text);
+        McMouseButtonEvent event = buttonEvent(1, true, 5, 5);
+        buffer.handleEvent(&event);
+    }
+    void showIdle() override {}
+    void showText(const char*) override {}
+    void showProgress(double) override {}
+    bool poll() override { return false; }
+
+    GiFrameBuffer& buffer;
+    std::vector<std::string> texts;
+};
+
+TEST_F(WandEditor, AClickWhileTheVolumeIsGrownIsSwallowed)
+{
+    allSlices->setChecked(true);
+    ImpatientHand hand(buffer());
+    HxWorkArea::getTheWorkArea()->setView(&hand);
+    click(6, 1);
+    HxWorkArea::getTheWorkArea()->setView(nullptr);
+    EXPECT_EQ(hand.texts, (Lines{"3D region growing..."}));
+    ASSERT_EQ(wand.seeds.size(), 1);
+    EXPECT_EQ(wand.seeds[0].x, 6);
+    EXPECT_EQ(editor.gi.undoActions.size(), 1);
+    EXPECT_EQ(rows(3), (Rows{"...#####", "...#####", "....####", "...###.#"}));
+}
+
+} // namespace

@@ -1,0 +1,286 @@
+// The magic wand's limit lines, its marks on the screen, and what of both the label data holds.
+
+#include "editor/tools/WandEditor.h"
+
+#include <functional>
+
+namespace {
+
+using MagicWandLimits = WandEditor;
+
+TEST_F(MagicWandLimits, ALineBoundsTheRegionAndIsOneStepOfUndo)
+{
+    click(7, 0);
+    key('l');
+    EXPECT_EQ(wand.mode, GiMagicWand::kLimitMode);
+    EXPECT_TRUE(limitButton->isChecked());
+    drawLimit(5, 0, 5, 3);
+    EXPECT_EQ(wand.mode, GiMagicWand::kSeedMode) << "one line, and regions are grown again";
+    EXPECT_FALSE(limitButton->isChecked());
+    EXPECT_EQ(rows(), (Rows{"......##", "......##", "......##", ".......#"}));
+    ASSERT_EQ(wand.limits.size(), 1);
+    EXPECT_EQ(wand.limits[0].id, 1);
+    EXPECT_EQ(stored("Limits"), (Lines{"SliceX0001/Limit0001: 5.5 0.5 5.5 3.5"}));
+    EXPECT_TRUE(editor.gi.labelData->isModified());
+    editor.gi.undo();
+    EXPECT_EQ(rows(), (Rows{"...#####", "...#####", "....####", "...###.#"}));
+    EXPECT_TRUE(stored("Limits").empty());
+    EXPECT_EQ(wand.limits.size(), 0);
+}
+
+TEST_F(MagicWandLimits, ManyLinesWhileControlIsHeld)
+{
+    key(McKeyboardEvent::kControlLeft);
+    drawLimit(1, 0, 1, 3, kCtrl);
+    drawLimit(3, 0, 3, 3, kCtrl);
+    EXPECT_EQ(wand.mode, GiMagicWand::kLimitMode);
+    EXPECT_EQ(stored("Limits").size(), 2u);
+    moveTo(1, 3, false);
+    click(1, 3, kCtrl); // a line under the pointer is deleted
+    EXPECT_EQ(stored("Limits"), (Lines{"SliceX0001/Limit0002: 3.5 0.5 3.5 3.5"}));
+    drawLimit(5, 0, 5, 3, kCtrl);
+    EXPECT_EQ(stored("Limits").size(), 2u) << "as many as before one went, and yet new";
+    EXPECT_EQ(wand.limits.last().id, 3);
+    key(McKeyboardEvent::kControlLeft, false);
+    EXPECT_EQ(wand.mode, GiMagicWand::kSeedMode);
+    for (int i = 0; i < 4; ++i) editor.gi.undo();
+    EXPECT_EQ(wand.limits.size(), 0);
+    EXPECT_TRUE(stored("Limits").empty());
+}
+
+TEST_F(MagicWandLimits, WhatEndsLimitMode)
+{
+    struct Case
+    {
+        const char* what;
+        std::function<void()> act;
+        int mode;
+    };
+    const Case cases[] = {
+        {"the key L comes up", [&] { key('l', false); }, GiMagicWand::kLimitMode},
+        {"any other key comes up", [&] { key('b', false); }, GiMagicWand::kSeedMode},
+        {"a key goes down", [&] { key('b'); }, GiMagicWand::kLimitMode},
+        {"a release with Control", [&] { release(1, 1, kCtrl); }, GiMagicWand::kLimitMode},
+        {"a release", [&] { release(1, 1); }, GiMagicWand::kSeedMode},
+        {"the button", [&] { limitButton->click(); }, GiMagicWand::kSeedMode},
+        {"a release that went elsewhere",
+         [&] {
+             press(1, 1);
+             moveTo(2, 2);
+             moveTo(3, 3);
+             moveTo(3, 3, false);
+         },
+         GiMagicWand::kSeedMode},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        wand.setLimitMode(true);
+        c.act();
+        EXPECT_EQ(wand.mode, c.mode);
+        wand.setLimitMode(false);
+    }
+    EXPECT_EQ(stored("Limits").size(), 1u) << "the line without a release is kept";
+    limitButton->click();
+    EXPECT_EQ(wand.mode, GiMagicWand::kLimitMode);
+}
+
+TEST_F(MagicWandLimits, UndoWhileALineIsDrawnSparesTheOthers)
+{
+    key('l');
+    drawLimit(1, 0, 1, 3);
+    key('l');
+    press(5, 0);
+    moveTo(5, 0);
+    editor.gi.undo();
+    moveTo(5, 3);
+    release(5, 3);
+    ASSERT_EQ(wand.limits.size(), 1);
+    EXPECT_EQ(wand.limits[0].points.size(), 2);
+    EXPECT_EQ(stored("Limits").size(), 1u);
+}
+
+TEST_F(MagicWandLimits, AClickWithoutADragDrawsNothing)
+{
+    key('l');
+    click(2, 2);
+    EXPECT_TRUE(stored("Limits").empty());
+    setWindow(0, 255);
+    click(0, 0);
+    EXPECT_EQ(rows(), (Rows{"########", "########", "########", "########"}));
+}
+
+TEST_F(MagicWandLimits, LinesBelongToSliceAndOrientation)
+{
+    key('l');
+    drawLimit(5, 0, 5, 3);
+    editor.viewer(2).setSlice(2, false);
+    click(7, 0);
+    EXPECT_EQ(rows(2), (Rows{"...#####", "...#####", "....####", "...###.#"}));
+    editor.viewer(2).setSlice(1, false);
+    allSlices->setChecked(true);
+    EXPECT_TRUE(editor.gi.selection->get(5, 1, 1)) << "limits mean nothing in the volume";
+}
+
+TEST_F(MagicWandLimits, EntriesOfAFile)
+{
+    const auto ints = [](std::initializer_list<int> list) { return std::vector<int>(list); };
+    HxParamBundle* seeds = parameters().bundle("Seeds", 1);
+    HxParamBundle* slice = seeds->bundle("Slice0001", 1);
+    slice->set("S0002x0003", 4, ints({2, 10, -20, 0x0107 | 0xc}).data());
+    slice->set("S0002x0004", 3, ints({2, 10, 20}).data());
+    slice->set("S0002x0005", 5, ints({2, 10, 20, 2, 0}).data());
+    slice->set("S0002x0006", 4, std::vector<float>{2, 10, 20, 2}.data());
+    slice->set("S0002x0007", "2 10 20 2");
+    slice->set("T0002x0008", 4, ints({2, 10, 20, 2}).data());
+    slice->bundle("S0002x0009", 1);
+    seeds->bundle("Piece0001", 1)->set("S0001x0001", 4, ints({2, 10, 20, 2}).data());
+    seeds->bundle("Slice9999", 1)->set("S-001x70000", 4, ints({2, 0, 9, 2}).data());
+    seeds->set("Slice0003", 7);
+    HxParamBundle* limits = parameters().bundle("Limits", 1);
+    limits->bundle("SliceX0001", 1)->set("Limit0007", 5, std::vector<double>{1, 2, 3, 4, 5}.data());
+    limits->bundle("SliceY0002", 1)->set("Limit0001", 4, ints({1, 2, 3, 4}).data());
+    limits->bundle("SliceQ0003", 1)->set("Limit0001", 2, std::vector<float>{1.5f, 2}.data());
+    limits->bundle("SliceX0001", 1)->set("Limit0008", 1, std::vector<float>{1}.data());
+    limits->bundle("SliceX0001", 1)->set("Limit0009", "1 2 3 4");
+    limits->bundle("SliceX0001", 1)->set("Border0001", 4, ints({1, 2, 3, 4}).data());
+    wand.init();
+
+    ASSERT_EQ(wand.seeds.size(), 2);
+    const MagicWandSeed& seed = wand.seeds[0];
+    EXPECT_EQ((std::vector<int>{seed.orientation, seed.x, seed.y, seed.z, seed.is3D, seed.sameMaterial,
+                                seed.fillInterior, seed.material}),
+              (std::vector<int>{2, 2, 3, 1, 1, 1, 1, 1}));
+    EXPECT_EQ(seed.min, 10);
+    EXPECT_EQ(seed.max, -20);
+    EXPECT_EQ(wand.seeds[1].voxel(), McVec3i(-1, 70000, 9999));
+    ASSERT_EQ(wand.limits.size(), 3);
+    EXPECT_EQ(wand.limits[0].id, 7);
+    EXPECT_EQ(wand.limits[0].points, (McDArray<McVec2f>{McVec2f(1, 2), McVec2f(3, 4)}));
+    EXPECT_EQ((std::vector<int>{wand.limits[0].orientation, wand.limits[1].orientation,
+                                wand.limits[2].orientation}),
+              (std::vector<int>{2, 1, 0}));
+    McBitfield bits;
+    McBox2i box;
+    EXPECT_EQ(wand.grow2D(bits, box, wand.seeds[1]), 0) << "outside the volume nothing grows";
+    editor.gi.redraw();
+}
+
+TEST_F(MagicWandLimits, ASeedOutsideTheVolumeIsPickedAtItsBorder)
+{
+    parameters()
+        .bundle("Seeds", 1)
+        ->bundle("Slice0001", 1)
+        ->set("S0070x0000", 4, std::vector<int>{2, 2, 2, 2}.data());
+    wand.init();
+    key('n');
+    ASSERT_EQ(wand.currentSeed, 0);
+    EXPECT_EQ(wand.seeds[0].x, kWidth - 1);
+    EXPECT_EQ(rows(), (Rows{"...#####", "...#####", "....####", "...###.#"}));
+}
+
+TEST_F(MagicWandLimits, ThousandsOfSeedsInAFile)
+{
+    HxParamBundle* slice = parameters().bundle("Seeds", 1)->bundle("Slice0001", 1);
+    const int values[4] = {2, 1, 1, 2};
+    for (int i = 0; i < 5000; ++i) slice->set(("S" + std::to_string(i) + "x0").c_str(), 4, values);
+    wand.init();
+    EXPECT_EQ(wand.seeds.size(), 5000);
+    setWindow(2, 2);
+    click(6, 2);
+    editor.gi.subtractSelection(1, 0);
+    editor.gi.redraw();
+    EXPECT_EQ(wand.seeds.size(), 5000);
+}
+
+// Marks
+
+TEST_F(MagicWandLimits, MarksAreDrawnInTheirColoursAndGoWithTheTool)
+{
+    editor.gi.clearSelection(true, false);
+    const auto colourAt = [&](int i, int j) {
+        const McVec2i p = at(i, j);
+        const std::vector<unsigned int> picture = pictureOf(buffer());
+        return picture[static_cast<std::size_t>((p.y - buffer().offset.y) * buffer().memSize.x + p.x -
+                                                buffer().offset.x)];
+    };
+    const float blue[3] = {0, 0, 1};
+    editor.lattice()->materials()->bundle(1)->setColor(blue);
+    HxParamBundle* slice = parameters().bundle("Seeds", 1)->bundle("Slice0001", 1);
+    slice->set("S0001x0001", 4, std::vector<int>{2, 1, 1, 0x002}.data());
+    slice->set("S0003x0001", 4, std::vector<int>{2, 1, 1, 0x102}.data());
+    slice->set("S0005x0001", 4, std::vector<int>{2, 1, 1, 0x202}.data());
+    slice->set("S0007x0001", 4, std::vector<int>{2, 1, 1, 0x902}.data());
+    wand.init();
+    EXPECT_EQ(colourAt(1, 1), 0xFFFF00u) << "no material";
+    EXPECT_EQ(colourAt(3, 1), 0x0000FFu);
+    EXPECT_EQ(colourAt(5, 1), 0xFFFF00u) << "a material without a colour";
+    EXPECT_EQ(colourAt(7, 1), 0xFFFF00u) << "no such material";
+    press(1, 1);
+    EXPECT_EQ(colourAt(1, 1), 0xFF4000u) << "active";
+    key('h');
+    EXPECT_NE(colourAt(3, 1), 0x0000FFu);
+    key('h');
+    EXPECT_EQ(colourAt(3, 1), 0x0000FFu);
+    editor.gi.setTool(-1);
+    EXPECT_NE(colourAt(3, 1), 0x0000FFu);
+}
+
+TEST_F(MagicWandLimits, WhatIsDrawnInPartsEqualsAWholePicture)
+{
+    const auto expectWhole = [&](const char* when) {
+        const std::vector<unsigned int> shown = pictureOf(buffer());
+        editor.gi.redraw();
+        EXPECT_TRUE(shown == pictureOf(buffer())) << when;
+    };
+    HxParamBundle* slice = parameters().bundle("Seeds", 1)->bundle("Slice0001", 1);
+    const int values[4] = {2, 2, 2, 2};
+    for (const char* name : {"S0004x0001", "S0006x0000", "S0007x0000"}) slice->set(name, 4, values);
+    wand.init();
+    buffer().setOffset(McVec2i(7, 3));
+    key('l');
+    press(2, 0);
+    for (const int i : {2, 4, 6, 7}) {
+        moveTo(i, i / 2 % kHeight);
+        expectWhole("while a line is drawn");
+    }
+    release(7, 3);
+    expectWhole("line drawn");
+    key('h');
+    expectWhole("seeds hidden");
+    key('h');
+    expectWhole("seeds shown: a line crosses some");
+    press(6, 0);
+    expectWhole("picked");
+    editor.gi.storeSelection(1, 0, 1);
+    expectWhole("kept");
+    press(4, 1);
+    editor.gi.subtractSelection(1, 0);
+    expectWhole("subtracted");
+}
+
+TEST_F(MagicWandLimits, Cursors)
+{
+    const auto shape = [&] { return wand.getToolCursor(); };
+    const QCursor* const own = shape();
+    setWindow(2, 2);
+    click(6, 1);
+    editor.gi.storeSelection(1, 0, 1);
+    moveTo(5, 3, false);
+    EXPECT_EQ(shape(), own);
+    moveTo(6, 1, false);
+    EXPECT_EQ(shape()->shape(), Qt::ArrowCursor) << "over a mark";
+    key('l');
+    moveTo(5, 3, false);
+    const QCursor* const pencil = shape();
+    EXPECT_NE(pencil, own);
+    drawLimit(2, 0, 2, 3);
+    key('l');
+    moveTo(2, 3, false);
+    EXPECT_NE(shape(), pencil) << "over a line";
+    moveTo(5, 3, false);
+    EXPECT_EQ(shape(), pencil);
+    wand.setLimitMode(false);
+    EXPECT_EQ(shape(), own);
+}
+
+} // namespace
