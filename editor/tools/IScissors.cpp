@@ -8,9 +8,28 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <type_traits>
 
-IScissors::IScissors() = default;
+namespace {
+
+constexpr unsigned long kRowReadAhead = 4; // the search reads rows of three pixels by four
+
+template <class T>
+void allocateArray(T*& array, unsigned long count)
+{
+    if (array) return;
+    const unsigned long bytes = mcByteCount(count, sizeof(T));
+    array = static_cast<T*>(mcAllocate(bytes));
+    mcPreferLargePages(array, bytes);
+}
+
+template <class T>
+void freeArray(T*& array)
+{
+    std::free(array);
+    array = nullptr;
+}
+
+} // namespace
 
 IScissors::~IScissors()
 {
@@ -20,21 +39,21 @@ IScissors::~IScissors()
 void IScissors::init(int newWidth, int newHeight, unsigned char* newImage, CostType type)
 {
     const bool isNewShape = width != newWidth || height != newHeight;
-    if (static_cast<long>(newWidth) * newHeight != static_cast<long>(width) * height) release();
-    costType = type == kFollowBright ? kImageAsCost : type;
-    image = newImage;
+    if (static_cast<long>(width) * height != static_cast<long>(newWidth) * newHeight) release();
     width = newWidth;
     height = newHeight;
+    costType = type == kFollowBright ? kImageAsCost : type;
+    image = newImage;
     try {
         allocate();
     } catch (const McMemoryException&) {
         release();
         throw;
     }
-    // Without a new start the search goes on in an image of the same shape only.
-    if (isNewShape) forgetSearch();
+    // Before the next start a search can go on in an image of the same shape only.
+    if (isNewShape) excludeAll();
 
-    const auto count = static_cast<unsigned long>(width) * static_cast<unsigned long>(height);
+    const auto count = static_cast<unsigned long>(width * height);
     if (type == kFollowBright)
         McRawData::mapLinear(cost, image, count, -255.0, -1.0);
     else if (type == kImageAsCost)
@@ -45,39 +64,48 @@ void IScissors::init(int newWidth, int newHeight, unsigned char* newImage, CostT
 
 void IScissors::allocate()
 {
-    if (static_cast<long>(width) * height > INT_MAX) throw McMemoryException(ULONG_MAX);
-    const auto count = static_cast<unsigned long>(width) * static_cast<unsigned long>(height);
-    const auto needPlane = [count](auto*& plane) {
-        if (!plane) plane = static_cast<std::remove_reference_t<decltype(plane)>>(mcAllocate(count));
-    };
-    needPlane(marks);
-    needPlane(cost);
-    if (!nodes) nodes = static_cast<Node*>(mcAllocate(mcByteCount(count, sizeof(Node))));
-    if (costType == kImageAsCost) return;
-    needPlane(gradX);
-    needPlane(gradY);
-    needPlane(spare);
+    // An index has to fit, and that of an entry too.
+    if (static_cast<long>(width) * height > INT_MAX / 8) throw McMemoryException(ULONG_MAX);
+    const auto count = static_cast<unsigned long>(width * height);
+    allocateArray(cost, count + kRowReadAhead);
+    allocateArray(soFar, count + kRowReadAhead);
+    allocateArray(back, count);
+    allocateArray(marks, count);
+    // Each pixel is expanded once, and then puts each of its neighbours into the queue once at most. What is
+    // never used of this is never given memory by the system.
+    allocateArray(entries, 8 * count + 1);
+    if (costType != kFollowAlongEdge) return;
+    allocateArray(gradX, count);
+    allocateArray(gradY, count);
 }
 
 void IScissors::release()
 {
-    for (void* plane : {static_cast<void*>(cost), static_cast<void*>(gradX), static_cast<void*>(gradY),
-                        static_cast<void*>(spare), static_cast<void*>(marks), static_cast<void*>(nodes)})
-        std::free(plane);
-    cost = spare = marks = nullptr;
-    gradX = gradY = nullptr;
-    nodes = nullptr;
+    freeArray(cost);
+    freeArray(gradX);
+    freeArray(gradY);
+    freeArray(soFar);
+    freeArray(back);
+    freeArray(entries);
+    freeArray(marks);
     width = height = 0;
 }
 
 /// No pixel can be reached until the next start.
-void IScissors::forgetSearch()
+void IScissors::excludeAll()
 {
-    const int count = width * height;
-    std::fill_n(nodes, count, Node{&unqueued, nullptr, -1, -1});
-    std::fill_n(marks, count, 0);
-    std::fill_n(buckets, kBuckets, Bucket{});
+    std::fill_n(soFar, width * height, kFinished);
+    std::fill_n(back, width * height, kNoWay);
+    std::fill_n(marks, width * height, 0);
+    emptyQueue();
     lastIndex = seedIndex = 0;
+}
+
+void IScissors::emptyQueue()
+{
+    std::fill_n(buckets, kBuckets, -1);
+    freeEntry = -1;
+    usedEntries = 0;
 }
 
 int IScissors::start(int x, int y)
@@ -86,17 +114,23 @@ int IScissors::start(int x, int y)
     if (!cost || !isInside(seed)) return 0;
 
     std::fill_n(marks, width * height, 0);
-    std::fill_n(buckets, kBuckets, Bucket{});
-    const Node excluded{&unqueued, nullptr, -1, -1}, unreached{&unqueued, nullptr, -1, 0};
+    std::fill_n(back, width * height, kNoWay);
     for (int row = 0; row < height; ++row) {
-        Node* const line = nodes + static_cast<long>(row) * width;
+        int* const line = soFar + static_cast<long>(row) * width;
         const bool isBorder = row == 0 || row == height - 1;
-        std::fill_n(line, width, isBorder ? excluded : unreached);
-        line[0] = line[width - 1] = excluded;
+        std::fill_n(line, width, isBorder ? kFinished : INT_MAX);
+        line[0] = line[width - 1] = kFinished;
     }
+    const int steps[] = {1, width + 1, width, width - 1, -1, -width - 1, -width, -width + 1, 0};
+    std::copy(std::begin(steps), std::end(steps), stepTo);
+
+    emptyQueue();
     seedIndex = lastIndex = seed;
-    currentCost = 0;
-    insert(seed, seed, 0);
+    soFar[seed] = currentCost = 0;
+    back[seed] = kSeed;
+    entries[0] = {seed, -1};
+    buckets[0] = 0;
+    usedEntries = 1;
     return 1;
 }
 
@@ -105,9 +139,10 @@ int IScissors::restart(int x, int y)
     const int seed = y * width + x;
     if (!cost || !isInside(seed)) return 0;
 
-    const int back = nodes[seed].back, last = lastIndex;
+    const unsigned char wayBack = back[seed];
+    const int last = lastIndex;
     start(x, y);
-    nodes[seed].back = back;
+    back[seed] = wayBack;
     lastIndex = last;
     return 1;
 }

@@ -10,7 +10,8 @@
 ///     init, start, then isValid, markPath and next for each place of the mouse; restart to go on from a
 ///     fixed point; init again for another image.
 ///
-/// A pixel index is y * width + x. The methods that search or walk take no memory; only init does.
+/// A pixel index is y * width + x. Only init takes memory: 15 bytes for a pixel, and room for the queue, of
+/// which a search touches a few percent.
 ///
 /// Mortensen and Barrett, "Intelligent Scissors for Image Composition", SIGGRAPH 1995; the queue is that of
 /// Dial, "Algorithm 360: Shortest-Path Forest with Topological Ordering", Communications of the ACM 12, 1969.
@@ -26,7 +27,7 @@ public:
         kFollowAlongEdge = 99 // across the gradient; only its direction counts, not its size
     };
 
-    IScissors();
+    IScissors() = default;
     ~IScissors();
     IScissors(const IScissors&) = delete;
     IScissors& operator=(const IScissors&) = delete;
@@ -39,8 +40,7 @@ public:
     void init(int width, int height, unsigned char* image, CostType type);
 
     /// Sets the seed and forgets all that was found so far.
-    /// returns 0, and does nothing, without an image or if the seed lies behind its last pixel or before the
-    ///         first one
+    /// returns 0, and does nothing, without an image or if the seed's index lies outside of it
     int start(int x, int y);
 
     /// Like start, for a seed on a path found: markPath still knows where the path ended.
@@ -63,54 +63,53 @@ public:
     int getPoint(int minMarks, int& x, int& y) const;
 
 private:
-    struct Node
+    struct Search;
+    /// A place of a pixel in the queue. A pixel that gets cheaper takes another one, and the dearer one is
+    /// passed over when its turn comes: it no longer has the pixel's cost.
+    struct Entry
     {
-        Node *next, *prev; // in a bucket; next is the sentinel while the node is in none
-        int back;          // index of the predecessor; -1 none yet; the seed's own is the seed
-        int cost;          // so far; negative: finished, or excluded
-    };
-    static Node unqueued; // Node::next points to it while the node is in no bucket
-    struct Bucket
-    {
-        Node *head, *tail;
+        int index;
+        int next; // in the bucket, or among the free ones; -1: the last
     };
 
     // A step costs 255 at most, so all costs in the queue lie closer together than this, and no bucket holds
     // two different ones.
     static constexpr int kBuckets = 512;
     static constexpr unsigned char kNotComputed = 255; // in the cost plane
+    static constexpr int kFinished = -1;               // in soFar
+    // In back: one of the steps 0 to 7 that led to the pixel, or ...
+    static constexpr unsigned char kSeed = 8, kNoWay = 9;
 
-    /// Whether an index lies in the image; pixels outside are no ends and no seeds.
     bool isInside(int index) const { return index >= 0 && index < width * height; }
     void allocate();
     void release();
-    void forgetSearch();
+    void excludeAll();
+    void emptyQueue();
 
-    int getCost(const int& from, const int& to, const int& direction);
-    void computeGradient(int p);
+    void computeGradient(int index);
+    void computeGradientsAround(int index);
+    int getCost(const int& from, const int& to, const int& direction) const;
     int reallyCompute(int target);
-    void expand(int index, int costSoFar);
-    Node* nextMin();
-    void insert(int index, int from, int cost);
-    void decrease(int index, int from, int cost);
-    void unlink(Node* node);
-    int backOf(int index);
-    int unmark(int index, int fork);
+    int predecessor(int index) const;
+    int clearMarks(int index, int fork);
 
     int width = 0, height = 0;
     int costType = kImageAsCost;
     unsigned char* image = nullptr;
     unsigned char* cost = nullptr;
     signed char *gradX = nullptr, *gradY = nullptr;
-    unsigned char* spare = nullptr;
-    Node* nodes = nullptr;
+    int* soFar = nullptr;          // cost of the path to a pixel; negative: finished, or excluded
+    unsigned char* back = nullptr; // the last step of that path
+    Entry* entries = nullptr;
+    int freeEntry = -1, usedEntries = 0;
+    int stepTo[kSeed + 1] = {}; // by step: what it adds to an index
 
 public:
     /// Lowest cost that can still be in the queue, -1 if no search was started. Set it to -1 to end a trace.
     int currentCost = -1;
 
 private:
-    Bucket buckets[kBuckets] = {};
+    int buckets[kBuckets] = {}; // bucket c % kBuckets: the latest entry of cost c; -1: none
     unsigned char* marks = nullptr;
     int lastIndex = 0;
     int seedIndex = 0;

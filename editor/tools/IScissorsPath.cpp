@@ -5,44 +5,48 @@ int IScissors::isValid(int x, int y)
     if (x < 1 || y < 1 || x >= width - 1 || y >= height - 1) return 0;
     const int index = y * width + x;
     if (index == seedIndex) return 0;
-    return backOf(index) >= 0;
+    if (soFar[index] >= 0) reallyCompute(index);
+    return back[index] != kNoWay;
 }
 
 int IScissors::next(int& x, int& y)
 {
     const int index = y * width + x;
     if (!isInside(index)) return 0;
-    const int back = backOf(index);
-    if (back < 0 || back == seedIndex) return 0;
-    x = back % width;
-    y = back / width;
+    if (soFar[index] >= 0) reallyCompute(index);
+    const int before = predecessor(index);
+    if (before < 0 || before == seedIndex) return 0;
+    // A step leads to one of the next rows, or stays in its own: no need to divide.
+    const int step = index - before, down = (step > 1) - (step < -1);
+    x -= step - down * width;
+    y -= down;
     return 1;
 }
 
-int IScissors::backOf(int index)
+/// The pixel before this one on its path; -1: none is known. Of the seed it is the seed, or after a restart a
+/// pixel of the path before.
+int IScissors::predecessor(int index) const
 {
-    if (nodes[index].cost >= 0) reallyCompute(index);
-    return nodes[index].back;
+    return back[index] == kNoWay ? -1 : index - stepTo[back[index]];
 }
 
 void IScissors::markPath(int x, int y, int& oldX, int& oldY, int& forkX, int& forkY)
 {
-    const int end = y * width + x, oldEnd = lastIndex;
     oldX = forkX = x;
     oldY = forkY = y;
+    const int end = y * width + x, oldEnd = lastIndex;
     if (!isInside(end)) return;
 
+    if (soFar[end] >= 0) reallyCompute(end);
     bool passesOldEnd = false;
     int fork = -1;
-    backOf(end);
-    for (int i = end; i >= 0 && i != seedIndex; i = nodes[i].back) {
+    for (int i = end; i >= 0 && i != seedIndex; i = predecessor(i)) {
         if (fork < 0 && marks[i] > 0) fork = i;
         if (i == oldEnd) passesOldEnd = true;
         if (marks[i] < 255) ++marks[i];
     }
+    const int joint = passesOldEnd ? oldEnd : clearMarks(oldEnd, fork);
 
-    int joint = oldEnd;
-    if (!passesOldEnd) joint = unmark(oldEnd, fork);
     oldX = oldEnd % width;
     oldY = oldEnd / width;
     forkX = joint % width;
@@ -50,27 +54,26 @@ void IScissors::markPath(int x, int y, int& oldX, int& oldY, int& forkX, int& fo
     lastIndex = end;
 }
 
-/// Takes the marks from the way that begins at `index`, and returns where it stops: at the fork, or at the
-/// seed.
-int IScissors::unmark(int index, int fork)
+/// Along the path of `index` to the fork or the seed; returns where it stops.
+int IScissors::clearMarks(int index, int fork)
 {
     while (index != seedIndex && index != fork) {
         marks[index] = 0;
-        // A restart has forgotten the way from the old end, and the new search need not have come there.
-        const int back = backOf(index);
-        if (back < 0) break;
-        index = back;
+        // A restart has forgotten the way from the old end, and the search need not have come back to it.
+        if (back[index] == kNoWay) reallyCompute(index);
+        const int before = predecessor(index);
+        if (before < 0) break;
+        index = before;
     }
     return index;
 }
 
 int IScissors::getPoint(int minMarks, int& x, int& y) const
 {
+    if (!marks || width * height == 0) return 0;
     int index = lastIndex;
-    while (index != seedIndex && nodes[index].back >= 0 && marks[index] < minMarks) index = nodes[index].back;
-    if (width > 0) {
-        x = index % width;
-        y = index / width;
-    }
+    while (index != seedIndex && marks[index] < minMarks && back[index] != kNoWay) index = predecessor(index);
+    x = index % width;
+    y = index / width;
     return index != seedIndex && marks[index] >= minMarks;
 }

@@ -33,6 +33,7 @@ public:
           type(costType),
           back(static_cast<std::size_t>(source.count()), -1),
           best(back.size(), kUnreached),
+          turn(back.size()),
           isDone(back.size())
     {
         for (int i = 0; i < image.count(); ++i) isDone[at(i)] = image.isBorder(i);
@@ -55,9 +56,11 @@ private:
 
     void enqueue(int index, int from, int cost)
     {
+        queue.erase({best[at(index)], turn[at(index)], index});
         best[at(index)] = cost;
         back[at(index)] = from;
-        queue.emplace(cost, --latest, index);
+        turn[at(index)] = --latest;
+        queue.emplace(cost, latest, index);
     }
 
     void relaxAround(int from)
@@ -70,9 +73,7 @@ private:
             const int to = y * image.width + x;
             if (isDone[at(to)]) continue;
             const int cost = best[at(from)] + stepCost(from, to, dx, dy);
-            if (cost >= best[at(to)]) continue;
-            std::erase_if(queue, [to](const auto& entry) { return std::get<2>(entry) == to; });
-            enqueue(to, from, cost);
+            if (cost < best[at(to)]) enqueue(to, from, cost);
         }
     }
 
@@ -113,7 +114,7 @@ private:
 
     const TraceImage& image;
     const int type;
-    std::vector<int> back, best;
+    std::vector<int> back, best, turn;
     std::vector<bool> isDone;
     std::set<std::tuple<int, int, int>> queue; // cost, the latest first, pixel
     int latest = 0;

@@ -1,4 +1,5 @@
 #include "PlainScissors.h"
+#include "mc/McMemoryException.h"
 #include "tools/IScissors.h"
 
 #include <gtest/gtest.h>
@@ -67,6 +68,8 @@ const Search kSearches[] = {
     {"steps of no cost and of the largest", 37, 29, Content::blackAndWhite, 1, 1},
     {"a ramp that wraps", 44, 25, Content::ramp, 42, 23},
     {"a disc", 40, 40, Content::disc, 20, 9},
+    {"hundreds of pixels of one cost", 300, 250, Content::flat, 140, 120},
+    {"several blocks in a row", 300, 40, Content::noise, 200, 20},
     {"seed in the first row", 21, 17, Content::noise, 9, 0},
     {"seed in the last column", 21, 17, Content::noise, 20, 8},
     {"seed in the first corner", 21, 17, Content::noise, 0, 0},
@@ -160,6 +163,158 @@ TEST(Scissors, TheStretchesOfAMoveHoldAllPixelsThatChange)
                 drawn = std::move(now);
             }
         }
+}
+
+TEST(Scissors, TheFirstMovesOfATrace)
+{
+    TraceImage image = makeImage(40, 9, Content::flat, 1);
+    IScissors scissors;
+    EXPECT_EQ(scissors.start(5, 4), 0) << "no image yet";
+    EXPECT_EQ(scissors.currentCost, -1);
+    prepare(scissors, image, 2);
+    EXPECT_FALSE(scissors.isValid(5, 4)) << "not started yet";
+    ASSERT_EQ(scissors.start(5, 4), 1);
+    EXPECT_GE(scissors.currentCost, 0);
+
+    struct Move
+    {
+        const char* name;
+        Pixel to, old, fork;
+    };
+    // In a flat image a path goes straight along a row.
+    const Move moves[] = {
+        {"out of the seed", {8, 4}, {5, 4}, {5, 4}},    {"nowhere", {8, 4}, {8, 4}, {8, 4}},
+        {"on along the path", {10, 4}, {8, 4}, {8, 4}}, {"back along the path", {7, 4}, {10, 4}, {7, 4}},
+        {"to the other side", {2, 4}, {7, 4}, {5, 4}},  {"beside the seed", {6, 4}, {2, 4}, {5, 4}},
+    };
+    for (const Move& move : moves) {
+        SCOPED_TRACE(move.name);
+        const auto [x, y] = move.to;
+        ASSERT_TRUE(scissors.isValid(x, y));
+        Pixel old, fork;
+        scissors.markPath(x, y, old.first, old.second, fork.first, fork.second);
+        EXPECT_EQ(old, move.old);
+        EXPECT_EQ(fork, move.fork);
+    }
+    EXPECT_EQ(pathFrom(scissors, 8, 4), (std::vector<Pixel>{{8, 4}, {7, 4}, {6, 4}}));
+    EXPECT_EQ(pathFrom(scissors, 6, 4), (std::vector<Pixel>{{6, 4}})) << "the seed is not told";
+    EXPECT_EQ(pathFrom(scissors, 5, 4), (std::vector<Pixel>{{5, 4}}));
+
+    scissors.currentCost = -1;
+    EXPECT_FALSE(scissors.isValid(35, 4)) << "an ended trace is not taken up again by a question";
+    EXPECT_EQ(scissors.currentCost, -1);
+}
+
+TEST(Scissors, MarksTellHowLongAStretchHasStayed)
+{
+    TraceImage image = makeImage(300, 9, Content::flat, 1);
+    IScissors scissors;
+    prepare(scissors, image, 2);
+    scissors.start(5, 4);
+    int unused = 0, x = 0, y = 0;
+    const auto moveTo = [&](int column) {
+        ASSERT_TRUE(scissors.isValid(column, 4));
+        scissors.markPath(column, 4, unused, unused, unused, unused);
+    };
+    EXPECT_EQ(scissors.getPoint(1, x, y), 0);
+    EXPECT_EQ(Pixel(x, y), Pixel(5, 4));
+    for (const int column : {10, 20, 30}) moveTo(column);
+    for (const auto& [minMarks, nearest] : {Pixel(1, 30), Pixel(2, 20), Pixel(3, 10)}) {
+        EXPECT_EQ(scissors.getPoint(minMarks, x, y), 1);
+        EXPECT_EQ(Pixel(x, y), Pixel(nearest, 4));
+    }
+    EXPECT_EQ(scissors.getPoint(4, x, y), 0) << "none: it ends at the seed";
+    EXPECT_EQ(Pixel(x, y), Pixel(5, 4));
+    moveTo(15);
+    EXPECT_EQ(scissors.getPoint(3, x, y), 1);
+    EXPECT_EQ(x, 15) << "what the path left lost its marks, what it kept gained one";
+    moveTo(30);
+    EXPECT_EQ(scissors.getPoint(3, x, y), 1);
+    EXPECT_EQ(x, 15);
+    for (int i = 0; i < 300; ++i) moveTo(280);
+    EXPECT_EQ(scissors.getPoint(255, x, y), 1) << "marks stop at 255";
+    EXPECT_EQ(scissors.getPoint(256, x, y), 0);
+}
+
+TEST(Scissors, ARestartGoesOnFromAPixelOfThePath)
+{
+    TraceImage image = makeImage(50, 30, Content::disc, 4);
+    IScissors scissors;
+    prepare(scissors, image, 2);
+    scissors.start(5, 5);
+    int unused = 0;
+    ASSERT_TRUE(scissors.isValid(40, 20));
+    scissors.markPath(40, 20, unused, unused, unused, unused);
+    // Three pixels back from the end, as after a click.
+    Pixel anchor{40, 20};
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(scissors.next(anchor.first, anchor.second));
+    ASSERT_EQ(scissors.restart(anchor.first, anchor.second), 1);
+
+    Pixel beforeAnchor = anchor;
+    EXPECT_TRUE(scissors.next(beforeAnchor.first, beforeAnchor.second)) << "the way back is kept";
+    EXPECT_FALSE(scissors.isValid(anchor.first, anchor.second));
+    // Wherever the path goes first, it is known where the old one ended, and how that leads to the new seed.
+    for (const Pixel& end : {Pixel(anchor.first - 1, anchor.second), Pixel(anchor.first - 6, anchor.second),
+                             Pixel(40, 20), Pixel(45, 25)}) {
+        SCOPED_TRACE(testing::PrintToString(end));
+        ASSERT_EQ(scissors.restart(anchor.first, anchor.second), 1);
+        ASSERT_TRUE(scissors.isValid(end.first, end.second));
+        Pixel old, fork;
+        scissors.markPath(end.first, end.second, old.first, old.second, fork.first, fork.second);
+        EXPECT_EQ(old, Pixel(40, 20));
+        const std::vector<Pixel> path = pathFrom(scissors, end.first, end.second);
+        const bool passesOldEnd = std::find(path.begin(), path.end(), old) != path.end();
+        EXPECT_EQ(fork, passesOldEnd ? old : anchor);
+        int x = end.first, y = end.second;
+        while (scissors.next(x, y)) ASSERT_NE(Pixel(x, y), anchor) << "a path stops before its seed";
+        EXPECT_LE(std::max(std::abs(x - anchor.first), std::abs(y - anchor.second)), 1);
+        scissors.markPath(40, 20, unused, unused, unused, unused);
+    }
+}
+
+TEST(Scissors, AnImageOfAnotherShapeHasNoPathsBeforeItsStart)
+{
+    struct Change
+    {
+        const char* name;
+        int width, height;
+        bool keepsSearch;
+    };
+    for (const Change& change :
+         {Change{"the same shape", 40, 30, true}, Change{"turned", 30, 40, false},
+          Change{"larger", 60, 50, false}, Change{"tiny", 2, 2, false}, Change{"nothing", 0, 7, false}}) {
+        SCOPED_TRACE(change.name);
+        TraceImage first = makeImage(40, 30, Content::noise, 2);
+        TraceImage second = makeImage(change.width, change.height, Content::noise, 3);
+        IScissors scissors;
+        prepare(scissors, first, 2);
+        scissors.start(20, 15);
+        int unused = 0;
+        ASSERT_TRUE(scissors.isValid(25, 20));
+        scissors.markPath(25, 20, unused, unused, unused, unused);
+        prepare(scissors, second, 3);
+        EXPECT_EQ(scissors.isValid(25, 20) != 0, change.keepsSearch);
+        EXPECT_EQ(scissors.isValid(2, 2) != 0, change.keepsSearch);
+        int x = 25, y = 20;
+        EXPECT_EQ(scissors.next(x, y) != 0, change.keepsSearch);
+        scissors.markPath(20, 15, unused, unused, unused, unused);
+        scissors.getPoint(1, x, y);
+        EXPECT_EQ(scissors.start(change.width, change.height), 0) << "behind the last pixel";
+        EXPECT_EQ(scissors.restart(-1, 0), 0);
+    }
+}
+
+TEST(Scissors, AnImageTooLargeLeavesNone)
+{
+    TraceImage image = makeImage(10, 10, Content::noise, 1);
+    IScissors scissors;
+    prepare(scissors, image, 2);
+    EXPECT_THROW(scissors.init(1 << 20, 1 << 20, nullptr, IScissors::kFollowEdges), McMemoryException);
+    EXPECT_EQ(scissors.start(5, 5), 0);
+    EXPECT_FALSE(scissors.isValid(3, 3));
+    prepare(scissors, image, 2);
+    EXPECT_EQ(scissors.start(5, 5), 1);
+    EXPECT_TRUE(scissors.isValid(3, 3));
 }
 
 } // namespace
