@@ -6,107 +6,257 @@
 
 #include <algorithm>
 #include <cassert>
+#include <numeric>
 #include <utility>
 
 #include <omp.h>
 
+// A slice is taken out of the field into words that begin with its first bit. Its rows follow each other
+// without a gap, so the neighbours along y are the same bits a row further on, and zeros before and behind
+// the slice stand for the neighbours that it lacks. Only along x a row would look into the next; masks stop
+// that.
+
 namespace {
+
+using Word = std::uint64_t;
 
 struct Volume
 {
     long nx, ny, nz;
-    // 0 erodes the bits, ~0 their complement: the dilation is the complement of that.
-    std::uint64_t flip;
+    // 0 dilates the bits, ~0 their complement: the erosion is the complement of that.
+    Word flip;
+    int axes;
 
-    long rows() const { return ny * nz; }
-    long wordsPerRow() const { return (nx + 63) / 64; }
+    long sliceBits() const { return nx * ny; }
+    long sliceWords() const { return (sliceBits() + 63) / 64; }
+    /// Zeros on each side of a slice: a row, and what is left of a word.
+    long guard() const { return nx / 64 + 2; }
+    long bufferWords() const { return sliceWords() + 2 * guard(); }
+    /// So many slices fill whole words, and can be written by different threads.
+    long slicesPerBlock() const { return 64 / std::gcd(64l, sliceBits()); }
 };
 
-inline void andBitRow(const McBitfield::Word64* field, unsigned long at, long n, std::uint64_t flip,
-                      std::uint64_t* row)
-{
-    const McBitfield::Word64* w = field + at / 64;
-    const int shift = int(at % 64);
-    for (long k = 0; k < n; k++) row[k] &= (w[k] >> shift | w[k + 1] << 1 << (63 - shift)) ^ flip;
-}
-
-// out = row and its neighbours to the left and to the right. Beyond the ends all is set.
-inline void andSidewaysNeighbours(const std::uint64_t* row, long n, std::uint64_t* out)
-{
-    for (long k = 0; k < n; k++) {
-        const std::uint64_t before = k > 0 ? row[k - 1] : ~std::uint64_t(0);
-        const std::uint64_t behind = k + 1 < n ? row[k + 1] : ~std::uint64_t(0);
-        out[k] = row[k] & (row[k] << 1 | before >> 63) & (row[k] >> 1 | behind << 63);
-    }
-}
-
-// Erodes one block of rows into words that are zero. `scratch` holds two rows.
+// Takes n words from bit `at` on. Returns whether a bit of the field, unflipped, is set among them.
 MC_TARGET_CLONES
-void erodeRows(const McBitfield::Word64* in, McBitfield::Word64* out, const Volume& v, long firstRow,
-               long endRow, std::uint64_t* scratch)
+bool loadWords(const McBitfield::Word64* field, unsigned long at, long n, Word flip, Word used, Word* words)
 {
-    const long n = v.wordsPerRow();
-    const std::uint64_t used = mcLastWordMask(v.nx);
-    std::uint64_t* row = scratch;
-    std::uint64_t* eroded = scratch + n;
-    for (long r = firstRow; r < endRow; r++) {
-        const unsigned long at = 1ul * r * v.nx;
-        const long y = r % v.ny;
-        const long z = r / v.ny;
-        mcLoadBitRow(in, at, n, v.flip, row);
-        row[n - 1] |= ~used;
-        andSidewaysNeighbours(row, n, eroded);
-        if (y > 0) andBitRow(in, at - v.nx, n, v.flip, eroded);
-        if (y + 1 < v.ny) andBitRow(in, at + v.nx, n, v.flip, eroded);
-        if (z > 0) andBitRow(in, at - v.nx * v.ny, n, v.flip, eroded);
-        if (z + 1 < v.nz) andBitRow(in, at + v.nx * v.ny, n, v.flip, eroded);
-        for (long k = 0; k < n; k++) eroded[k] ^= v.flip;
-        eroded[n - 1] &= used;
-        mcOrBitRow(out, at, v.nx, eroded);
+    mcLoadBitRow(field, at, n, 0, words);
+    words[n - 1] &= used;
+    Word any = 0;
+    for (long k = 0; k < n; k++) {
+        any |= words[k];
+        words[k] ^= flip;
+    }
+    words[n - 1] &= used;
+    return any != 0;
+}
+
+// Puts n bits back at bit `at`; those around them stay.
+MC_TARGET_CLONES
+void storeBits(McBitfield::Word64* field, unsigned long at, long n, const Word* words)
+{
+    McBitfield::Word64* w = field + at / 64;
+    const int shift = int(at % 64);
+    const long whole = (shift + n) / 64; // words of the field before the one with the end
+    const int rest = int((shift + n) % 64);
+    const Word below = (Word(1) << shift) - 1;
+    const Word upToEnd = (Word(1) << rest) - 1;
+    if (whole == 0) {
+        w[0] = (w[0] & (below | ~upToEnd)) | (words[0] << shift & upToEnd);
+        return;
+    }
+    w[0] = (w[0] & below) | words[0] << shift;
+    for (long k = 1; k < whole; k++) w[k] = words[k] << shift | words[k - 1] >> 1 >> (63 - shift);
+    if (rest == 0) return;
+    Word last = words[whole - 1] >> 1 >> (63 - shift);
+    if (rest > shift) last |= words[whole] << shift;
+    w[whole] = (w[whole] & ~upToEnd) | (last & upToEnd);
+}
+
+/// The slices around the one at hand. A direction that does not count is a slice of zeros.
+struct Around
+{
+    const Word* centre;
+    const Word* rows; // the centre again, for its neighbours along y
+    const Word* before;
+    const Word* behind;
+};
+
+MC_TARGET_CLONES
+void dilateWords(const Around& a, const Word* hasLeft, const Word* hasRight, long nx, long n, Word flip,
+                 Word* out)
+{
+    const int shift = int(nx % 64);
+    const Word* above = a.rows - nx / 64;
+    const Word* below = a.rows + nx / 64;
+    const Word* c = a.centre;
+    const Word* before = a.before;
+    const Word* behind = a.behind;
+    for (long k = 0; k < n; k++) {
+        Word set = c[k] | before[k] | behind[k];
+        set |= (c[k] << 1 | c[k - 1] >> 63) & hasLeft[k];
+        set |= (c[k] >> 1 | c[k + 1] << 63) & hasRight[k];
+        set |= above[k] << shift | above[k - 1] >> 1 >> (63 - shift);
+        set |= below[k] >> shift | below[k + 1] << 1 << (63 - shift);
+        out[k] = set ^ flip;
     }
 }
 
-void onePass(const McBitfield& in, McBitfield& out, const Volume& v)
+/// What all threads share: which bits of a slice have a neighbour to the left and to the right, and zeros.
+struct Masks
 {
-    const long blocks = (v.rows() + kMcRowsPerBlock - 1) / kMcRowsPerBlock;
-    const int threads = mcNumThreadsFor(in.numBits() / 8);
-    const long scratchSize = 2 * v.wordsPerRow();
-    McDArray<std::uint64_t> scratch(int(threads * scratchSize));
-    out.resize(in.numBits());
-#pragma omp parallel for num_threads(threads) schedule(static)
-    for (long b = 0; b < blocks; b++) {
-        const unsigned long firstWord = 1ul * b * v.nx;
-        const unsigned long endWord = std::min(firstWord + v.nx, out.numWords64());
-        std::fill(out.words64() + firstWord, out.words64() + endWord, 0);
-        const long firstRow = b * kMcRowsPerBlock;
-        erodeRows(in.words64(), out.words64(), v, firstRow, std::min(firstRow + kMcRowsPerBlock, v.rows()),
-                  scratch.data() + omp_get_thread_num() * scratchSize);
+    explicit Masks(const Volume& v)
+        : hasLeft(int(v.sliceWords())), hasRight(int(v.sliceWords())), zeros(int(v.bufferWords()))
+    {
+        if (!(v.axes & McMorphology::kAlongX)) return;
+        std::fill(hasLeft.begin(), hasLeft.end(), ~Word(0));
+        std::fill(hasRight.begin(), hasRight.end(), ~Word(0));
+        for (long first = 0; first < v.sliceBits(); first += v.nx) {
+            const long last = first + v.nx - 1;
+            hasLeft[int(first / 64)] &= ~(Word(1) << (first % 64));
+            hasRight[int(last / 64)] &= ~(Word(1) << (last % 64));
+        }
+    }
+
+    McDArray<Word> hasLeft;
+    McDArray<Word> hasRight;
+    McDArray<Word> zeros;
+};
+
+/// One thread's way through a stack of slices, in place: each is written when the one behind it was read.
+class SliceStream
+{
+public:
+    // scratch  scratchWords() zeros
+    SliceStream(McBitfield& field, const Volume& volume, const Masks& shared, Word* scratch)
+        : bits(field), v(volume), masks(shared), zeros(shared.zeros.data() + v.guard())
+    {
+        for (Slice* slice : {&before, &centre, &behind, &halo}) {
+            slice->words = scratch + v.guard();
+            scratch += v.bufferWords();
+        }
+        out = scratch;
+    }
+
+    static long scratchWords(const Volume& v) { return 4 * v.bufferWords() + v.sliceWords(); }
+
+    // Reads the slices at both ends before other threads change them.
+    void begin(long first, long end)
+    {
+        if (first >= end) return;
+        if (first > 0) load(first - 1, before);
+        load(first, centre);
+        if (end < v.nz) load(end, halo);
+    }
+
+    void run(long first, long end)
+    {
+        for (long z = first; z < end; z++) {
+            if (z + 1 < end)
+                load(z + 1, behind);
+            else if (z + 1 < v.nz)
+                std::swap(behind, halo);
+            else
+                behind.isZero = true;
+            if (matters()) write(z);
+            std::swap(before, centre);
+            std::swap(centre, behind);
+        }
+    }
+
+private:
+    struct Slice
+    {
+        Word* words = nullptr;
+        bool hasBits = false; // of the field
+        bool isZero = true;   // there is no such slice
+    };
+
+    void load(long z, Slice& slice) const
+    {
+        slice.isZero = false;
+        slice.hasBits = loadWords(bits.words64(), (unsigned long)(z * v.sliceBits()), v.sliceWords(), v.flip,
+                                  mcLastWordMask(v.sliceBits()), slice.words);
+    }
+
+    bool acrossSlices() const { return v.axes & McMorphology::kAlongZ; }
+
+    const Word* neighbour(const Slice& slice) const
+    {
+        return acrossSlices() && !slice.isZero ? slice.words : zeros;
+    }
+
+    static bool holds(const Slice& slice) { return !slice.isZero && slice.hasBits; }
+
+    // Nothing can be taken from an empty slice, and nothing grows into it from empty ones.
+    bool matters() const
+    {
+        if (holds(centre)) return true;
+        return !v.flip && acrossSlices() && (holds(before) || holds(behind));
+    }
+
+    void write(long z)
+    {
+        const Around around{centre.words, v.axes & McMorphology::kAlongY ? centre.words : zeros,
+                            neighbour(before), neighbour(behind)};
+        dilateWords(around, masks.hasLeft.data(), masks.hasRight.data(), v.nx, v.sliceWords(), v.flip, out);
+        storeBits(bits.words64(), (unsigned long)(z * v.sliceBits()), v.sliceBits(), out);
+    }
+
+    McBitfield& bits;
+    const Volume& v;
+    const Masks& masks;
+    const Word* zeros;
+    Slice before, centre, behind;
+    Slice halo; // the first slice behind the stack, as it was at the start
+    Word* out;
+};
+
+void onePass(McBitfield& bits, const Volume& v)
+{
+    if (bits.numBits() == 0) return;
+    const long blocks = (v.nz + v.slicesPerBlock() - 1) / v.slicesPerBlock();
+    const int threads = int(std::min(long(mcNumThreadsFor(bits.numBits() / 8)), blocks));
+    const long scratchWords = SliceStream::scratchWords(v);
+    const Masks masks(v);
+    McDArray<Word> scratch(int(threads * scratchWords));
+#pragma omp parallel num_threads(threads)
+    {
+        const long team = omp_get_num_threads(), i = omp_get_thread_num();
+        const long first = std::min(blocks * i / team * v.slicesPerBlock(), v.nz);
+        const long end = std::min(blocks * (i + 1) / team * v.slicesPerBlock(), v.nz);
+        SliceStream stream(bits, v, masks, scratch.data() + i * scratchWords);
+        stream.begin(first, end);
+#pragma omp barrier
+        stream.run(first, end);
     }
 }
 
 void manyPasses(const McBitfield& bits, McBitfield& result, const Volume& v, int width)
 {
     assert(&bits != &result);
-    if (width < 1 || bits.numBits() == 0) {
-        result = bits;
-        return;
-    }
-    onePass(bits, result, v);
-    McBitfield previous;
-    for (int pass = 1; pass < width; pass++) {
-        std::swap(previous, result);
-        onePass(previous, result, v);
-    }
+    result = bits;
+    for (int pass = 0; pass < width; pass++) onePass(result, v);
 }
 
 } // namespace
 
 void McMorphology::erosion3D(const McBitfield& bits, McBitfield& result, const int* dims, int width)
 {
-    manyPasses(bits, result, {dims[0], dims[1], dims[2], 0}, width);
+    manyPasses(bits, result, {dims[0], dims[1], dims[2], ~Word(0), kAllAxes}, width);
 }
 
 void McMorphology::dilation3D(const McBitfield& bits, McBitfield& result, const int* dims, int width)
 {
-    manyPasses(bits, result, {dims[0], dims[1], dims[2], ~std::uint64_t(0)}, width);
+    manyPasses(bits, result, {dims[0], dims[1], dims[2], 0, kAllAxes}, width);
+}
+
+void McMorphology::erode(McBitfield& bits, const int* dims, int axes)
+{
+    onePass(bits, {dims[0], dims[1], dims[2], ~Word(0), axes});
+}
+
+void McMorphology::dilate(McBitfield& bits, const int* dims, int axes)
+{
+    onePass(bits, {dims[0], dims[1], dims[2], 0, axes});
 }

@@ -74,13 +74,16 @@ public:
     // Sets the voxels that were reached; call it once, at the end.
     void store(McBitfield& result)
     {
-        const long rows = ny * nz;
-        const long blocks = (rows + kMcRowsPerBlock - 1) / kMcRowsPerBlock;
-#pragma omp parallel for num_threads(mcNumThreadsFor(source.numBits() / 8)) schedule(static)
-        for (long b = 0; b < blocks; b++) {
-            const long firstRow = b * kMcRowsPerBlock;
-            storeRows(result.words64(), firstRow, std::min(firstRow + kMcRowsPerBlock, rows));
-        }
+        forEachBlock([&](long firstRow, long endRow) { storeRows(result.words64(), firstRow, endRow); });
+    }
+
+    // Sets those that were not. `result` may be the source: it was read when this object was made.
+    void storeUnreached(McBitfield& result) const
+    {
+        forEachBlock([&](long firstRow, long endRow) {
+            for (long r = firstRow; r < endRow; r++)
+                mcOrBitRow(result.words64(), 1ul * r * nx, nx, open.data() + r * n);
+        });
     }
 
 private:
@@ -96,6 +99,19 @@ private:
     long high = -1;
     McBitfield waiting; // rows with pending bits
     long waitingCount = 0;
+
+    // Hands stacks of rows to the threads whose words no other stack touches.
+    template <class Block>
+    void forEachBlock(const Block& block) const
+    {
+        const long rows = ny * nz;
+        const long blocks = (rows + kMcRowsPerBlock - 1) / kMcRowsPerBlock;
+#pragma omp parallel for num_threads(mcNumThreadsFor(source.numBits() / 8)) schedule(static)
+        for (long b = 0; b < blocks; b++) {
+            const long firstRow = b * kMcRowsPerBlock;
+            block(firstRow, std::min(firstRow + kMcRowsPerBlock, rows));
+        }
+    }
 
     void loadOpenRows()
     {
@@ -235,4 +251,13 @@ void McMorphology::floodfill(const McBitfield& source, McBitfield& result, const
     for (const McVec3i& seed : seeds) flood.addSeed(seed);
     flood.run();
     flood.store(result);
+}
+
+void McMorphology::fillUnreached(McBitfield& bits, const McDArray<McVec3i>& seeds, const int* dims)
+{
+    if (bits.numBits() == 0) return;
+    RowFlood flood(bits, ~Word(0), dims);
+    for (const McVec3i& seed : seeds) flood.addSeed(seed);
+    flood.run();
+    flood.storeUnreached(bits);
 }

@@ -35,15 +35,17 @@ McBitfield randomVolume(const Dims& d, double density, std::mt19937& random)
     return field;
 }
 
-// One pass voxel by voxel: a voxel changes to `spreading` if a neighbour has that value.
-McBitfield spreadPlainly(const McBitfield& bits, const Dims& d, bool spreading)
+// One pass voxel by voxel: a voxel changes to `spreading` if a neighbour has that value. Bit a of `axes`
+// stands for the neighbours along axis a.
+McBitfield spreadPlainly(const McBitfield& bits, const Dims& d, bool spreading, int axes = 7)
 {
     McBitfield out = bits;
     for (int z = 0; z < d[2]; z++)
         for (int y = 0; y < d[1]; y++)
             for (int x = 0; x < d[0]; x++)
-                for (const int* n : kNeighbours) {
-                    if (!isInside(d, x + n[0], y + n[1], z + n[2])) continue;
+                for (int i = 0; i < 6; i++) {
+                    const int* n = kNeighbours[i];
+                    if (!(axes >> i / 2 & 1) || !isInside(d, x + n[0], y + n[1], z + n[2])) continue;
                     if (bits.isSet(indexOf(d, x + n[0], y + n[1], z + n[2])) != spreading) continue;
                     if (spreading)
                         out.set(indexOf(d, x, y, z));
@@ -97,6 +99,38 @@ TEST_P(McMorphologyOn, ErodesAndDilatesLikeAPlainLoop)
             expectEroded = spreadPlainly(expectEroded, d, false);
             expectDilated = spreadPlainly(expectDilated, d, true);
         }
+    }
+}
+
+TEST_P(McMorphologyOn, ChangesInPlaceAlongTheNamedAxesAlone)
+{
+    std::mt19937 random(19);
+    const Dims d = GetParam();
+    for (double density : {0.0, 0.002, 0.5, 0.998, 1.0}) {
+        const McBitfield bits = randomVolume(d, density, random);
+        for (int axes = 0; axes < 8; axes++) {
+            McBitfield eroded = bits, dilated = bits;
+            McMorphology::erode(eroded, d.data(), axes);
+            McMorphology::dilate(dilated, d.data(), axes);
+            EXPECT_EQ(eroded, spreadPlainly(bits, d, false, axes)) << density << ", axes " << axes;
+            EXPECT_EQ(dilated, spreadPlainly(bits, d, true, axes)) << density << ", axes " << axes;
+        }
+    }
+}
+
+TEST_P(McMorphologyOn, FillsWhatNoSeedReaches)
+{
+    std::mt19937 random(37);
+    const Dims d = GetParam();
+    for (double density : {0.0, 0.3, 0.65, 1.0}) {
+        McBitfield filled = randomVolume(d, density, random);
+        McDArray<McVec3i> seeds;
+        for (int i = 0; i < 3; i++)
+            seeds.append({int(random() % d[0]), int(random() % d[1]), int(random() % d[2])});
+        McBitfield expected = fillPlainly(filled, seeds, false, d);
+        expected.toggleAll();
+        McMorphology::fillUnreached(filled, seeds, d.data());
+        EXPECT_EQ(filled, expected) << "density " << density;
     }
 }
 
@@ -156,18 +190,25 @@ TEST(McMorphologyFloodfill, FollowsASnakeThroughAllRows)
 TEST(McMorphology, GivesTheSameBitsWithAnyNumberOfThreads)
 {
     std::mt19937 random(29);
-    const Dims d{101, 90, 70};
-    const McBitfield bits = randomVolume(d, 0.9, random);
     const int usual = mcNumThreads();
-    McBitfield eroded[2], filled[2];
-    const McDArray<McVec3i> seeds{{0, 0, 0}, {50, 50, 50}};
-    for (int i = 0; i < 2; i++) {
-        mcSetNumThreads(1 + 4 * i);
-        McMorphology::erosion3D(bits, eroded[i], d.data(), 1);
-        McMorphology::floodfill(bits, filled[i], seeds, true, d.data());
+    // Slices that end within words at all places, every 32 slices, and never.
+    for (const Dims& d : {Dims{101, 91, 140}, Dims{101, 90, 70}, Dims{64, 67, 80}}) {
+        const McBitfield bits = randomVolume(d, 0.9, random);
+        const McDArray<McVec3i> seeds{{0, 0, 0}, {50, 50, 50}};
+        const McBitfield eroded = spreadPlainly(bits, d, false), filled = fillPlainly(bits, seeds, true, d);
+        McBitfield holes = fillPlainly(bits, seeds, false, d);
+        holes.toggleAll();
+        for (int threads : {1, 2, 3, 8}) {
+            mcSetNumThreads(threads);
+            McBitfield result;
+            McMorphology::erosion3D(bits, result, d.data(), 1);
+            EXPECT_EQ(result, eroded) << threads;
+            McMorphology::floodfill(bits, result, seeds, true, d.data());
+            EXPECT_EQ(result, filled) << threads;
+            result = bits;
+            McMorphology::fillUnreached(result, seeds, d.data());
+            EXPECT_EQ(result, holes) << threads;
+        }
     }
     mcSetNumThreads(usual);
-    EXPECT_EQ(eroded[0], spreadPlainly(bits, d, false));
-    EXPECT_EQ(eroded[0], eroded[1]);
-    EXPECT_EQ(filled[0], filled[1]);
 }
