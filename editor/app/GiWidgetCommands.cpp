@@ -137,8 +137,7 @@ int filter(Tcl_Interp* interp, int count, const char* const* words)
     if (!gi) return call.noData();
     GiFilter* found = findFilter(*gi, words[1]);
     if (!found) return call.fail("there is no filter " + quoted(words[1]) + ".");
-    constexpr int kCreate = 1;
-    QWidget* dialog = found->getWidget(gi->getToolbox(), kCreate);
+    QWidget* dialog = found->getWidget(gi->getToolbox(), true);
     if (!dialog) return call.fail(std::string("filter ") + words[1] + " has no dialog.");
     return access(call, *dialog, 2, isAnyPart);
 }
