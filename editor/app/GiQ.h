@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <QSplitter>
 
+#include <functional>
 #include <initializer_list>
 
 class GiResetOrientationTool;
@@ -176,6 +177,13 @@ public slots:
     void configureActivePopup();
     void activeViewerChanged(QAction* action);
 
+    void growSelection2D();
+    void growSelectionAll2D();
+    void growSelection3D();
+    void shrinkSelection2D();
+    void shrinkSelectionAll2D();
+    void shrinkSelection3D();
+    void selectionEllipse();
     void selectionFill();
     void selectionFillAll();
     void selectionFillVolume();
@@ -211,6 +219,7 @@ private:
     void buildOrientationMenu();
     void buildImageMenus();
     void buildSelectionMenu();
+    void runEntry(void (GiQ::*operation)());
     void addEntries(QMenu* menu, std::initializer_list<MenuEntry> entries);
     void addPluginFilters();
     void readFlipPreference();
@@ -230,6 +239,10 @@ private:
     QList<HxViewerBase*> visibleViewers() const;
     bool isOwnViewer(const HxViewerBase* viewer) const;
     void goToSlice(int (GiQ::*find)(int current, int orientation));
+    /// One undo step on the current slice's selection, or on the volume's, that shows and tells its outcome.
+    void changeSlice(void (*change)(GiSelection2D&));
+    void changeVolume(const char* text, const std::function<void()>& change);
+    void announceSelection();
     void takePanel();
     void givePanelBack();
     void takeMainButton();

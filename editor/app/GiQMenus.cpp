@@ -7,8 +7,11 @@
 #include "display/GiViewer.h"
 #include "filters/GiFilter.h"
 #include "hx/HxInterpreter.h"
+#include "hx/HxMessage.h"
+#include "hx/HxResource.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSkin.h"
+#include "mc/McException.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -57,9 +60,19 @@ void GiQ::addEntries(QMenu* menu, std::initializer_list<MenuEntry> entries)
         QAction* action = menu->addAction(tr(entry.text));
         if (entry.key != kNoKey) action->setShortcut(entry.key);
         if (entry.operation)
-            connect(action, &QAction::triggered, this, [this, run = entry.operation] { (this->*run)(); });
+            connect(action, &QAction::triggered, this, [this, run = entry.operation] { runEntry(run); });
         else
             deadActions.append(action);
+    }
+}
+
+/// An exception must not leave through Qt, which would end the program.
+void GiQ::runEntry(void (GiQ::*operation)())
+{
+    try {
+        (this->*operation)();
+    } catch (const McException& e) {
+        HxResource::handleException(e, 0);
     }
 }
 
@@ -121,12 +134,13 @@ void GiQ::buildSelectionMenu()
 {
     selectionMenu = new QMenu(tr("&Selection"));
     QMenu* menu = selectionMenu;
-    addEntries(menu->addMenu(tr("&Grow")), {{"Current slice", Qt::CTRL | Qt::Key_Plus, nullptr},
-                                            {"All slices", kNoKey, nullptr},
-                                            {"Volume", kNoKey, nullptr}});
-    addEntries(menu->addMenu(tr("&Shrink")), {{"Current slice", Qt::CTRL | Qt::Key_Minus, nullptr},
-                                              {"All slices", kNoKey, nullptr},
-                                              {"Volume", kNoKey, nullptr}});
+    addEntries(menu->addMenu(tr("&Grow")), {{"Current slice", Qt::CTRL | Qt::Key_Plus, &GiQ::growSelection2D},
+                                            {"All slices", kNoKey, &GiQ::growSelectionAll2D},
+                                            {"Volume", kNoKey, &GiQ::growSelection3D}});
+    addEntries(menu->addMenu(tr("&Shrink")),
+               {{"Current slice", Qt::CTRL | Qt::Key_Minus, &GiQ::shrinkSelection2D},
+                {"All slices", kNoKey, &GiQ::shrinkSelectionAll2D},
+                {"Volume", kNoKey, &GiQ::shrinkSelection3D}});
     addEntries(menu->addMenu(tr("&Fill")), {{"Current slice", Qt::CTRL | Qt::Key_F, &GiQ::selectionFill},
                                             {"All slices", kNoKey, &GiQ::selectionFillAll},
                                             {"Volume", kNoKey, &GiQ::selectionFillVolume}});
@@ -135,7 +149,7 @@ void GiQ::buildSelectionMenu()
     addEntries(menu->addMenu(tr("Invert")), {{"Current slice", kNoKey, &GiQ::selectionInvert2D},
                                              {"All slices", kNoKey, &GiQ::selectionInvert3D}});
     addEntries(menu, {{"S&nakes ...", kNoKey, nullptr},
-                      {"Make &ellipse", kNoKey, nullptr},
+                      {"Make &ellipse", kNoKey, &GiQ::selectionEllipse},
                       {"&Interpolate", Qt::CTRL | Qt::Key_I, nullptr},
                       {"&Wrap", Qt::CTRL | Qt::Key_W, nullptr}});
 }
@@ -285,12 +299,17 @@ void GiQ::menuPluginFilter(QAction* action)
 {
     const QByteArray name = action->data().toString().toLocal8Bit();
     GiFilter* chosen = nullptr;
-    for (int i = 0; i < pluginFilters.size(); ++i)
-        if (pluginFilters[i] && !name.isEmpty() && name == pluginFilters[i]->name) chosen = pluginFilters[i];
-    QWidget* widget = chosen ? chosen->getWidget(toolbox, 1) : nullptr;
-    if (!widget) return;
-    widget->show();
-    widget->raise();
+    for (GiFilter* filter : pluginFilters)
+        if (filter && !name.isEmpty() && name == filter->name) chosen = filter; // of equal names the last
+    if (!chosen) return;
+    try {
+        if (QWidget* widget = chosen->getWidget(toolbox, true)) {
+            widget->show();
+            widget->raise();
+        }
+    } catch (const std::exception& e) { // of foreign code, which may throw what it likes
+        HxMessage::getTheMsg()->error("The dialog of \"%s\" cannot be opened: %s", chosen->name, e.what());
+    }
 }
 
 void GiQ::menuUsersguide()
@@ -307,5 +326,5 @@ void GiQ::menuUsersguide()
 void GiQ::onHide()
 {
     for (int i = 0; i < filters.size(); ++i)
-        if (QWidget* widget = filters[i] ? filters[i]->getWidget(toolbox, 0) : nullptr) widget->close();
+        if (QWidget* widget = filters[i] ? filters[i]->getWidget(toolbox, false) : nullptr) widget->close();
 }

@@ -5,31 +5,112 @@
 #include "app/GiQToolbox.h"
 #include "core/GiBusy.h"
 #include "core/giHasHiddenVoxels.h"
+#include "core/giOccupiedSlices.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
+#include "filters/GiShapeFilter.h"
 #include "hx/HxWorkArea.h"
 
 #include <vector>
 
-void GiQ::selectionFill()
+void GiQ::announceSelection()
 {
-    fillSelection(-1, -1, 0);
     touchData(1, 0, 0, 0, 0, 0);
     redraw();
 }
 
-void GiQ::selectionFillAll()
+// Growing and shrinking
+
+void GiQ::changeSlice(void (*change)(GiSelection2D&))
+{
+    const GiViewer* viewer = getCurrentViewer();
+    if (!selection || !viewer || !viewer->getSelection()) return;
+    saveUndoInformationForSlice(1, 0, nullptr);
+    {
+        const GiBusy busy;
+        change(*viewer->getSelection());
+        updateSelectionBoxes();
+    }
+    announceSelection();
+}
+
+void GiQ::changeVolume(const char* text, const std::function<void()>& change)
 {
     if (!selection) return;
     saveUndoInformationForVolume(1, 0, nullptr);
     {
-        const GiBusy busy("Filling ...");
+        const GiBusy busy(text);
+        change();
+        updateSelectionBoxes();
+    }
+    announceSelection();
+}
+
+void GiQ::growSelection2D()
+{
+    // kept: before there are voxels this leaves no undo step, unlike shrinking. It is the one of the two that
+    // has a key of the viewers, which gets here early.
+    if (selection && selection->numBits() > 0) changeSlice(GiShapeFilter::dilate2D);
+}
+
+void GiQ::shrinkSelection2D()
+{
+    changeSlice(GiShapeFilter::erode2D);
+}
+
+void GiQ::growSelectionAll2D()
+{
+    changeVolume("Enlarging ...",
+                 [this] { GiShapeFilter::dilateSlices(*selection, getCurrentOrientation()); });
+}
+
+void GiQ::shrinkSelectionAll2D()
+{
+    changeVolume("Shrinking ...",
+                 [this] { GiShapeFilter::erodeSlices(*selection, getCurrentOrientation()); });
+}
+
+void GiQ::growSelection3D()
+{
+    changeVolume("Grow Selection 3D",
+                 [this] { GiShapeFilter::dilate3D(*selection, HxWorkArea::getTheWorkArea()); });
+}
+
+void GiQ::shrinkSelection3D()
+{
+    changeVolume("Shrink Selection",
+                 [this] { GiShapeFilter::erode3D(*selection, HxWorkArea::getTheWorkArea()); });
+}
+
+void GiQ::selectionEllipse()
+{
+    if (!selection) return;
+    {
+        const GiBusy busy;
+        GiShapeFilter(this).applyEllipse();
+        updateSelectionBoxes();
+    }
+    announceSelection();
+}
+
+// Filling
+
+void GiQ::selectionFill()
+{
+    fillSelection(-1, -1, 0);
+    announceSelection();
+}
+
+void GiQ::selectionFillAll()
+{
+    changeVolume("Filling ...", [this] {
         HxWorkArea* area = HxWorkArea::getTheWorkArea();
         const int orientation = getCurrentOrientation();
-        const int n = selection->getNumSlices(orientation);
+        const std::vector<unsigned char> occupied = giOccupiedSlices(*selection, orientation);
+        const int n = static_cast<int>(occupied.size());
         GiSelection2D slice;
         for (int i = 0; i < n; ++i) {
-            if (!selection->isEmpty(i, orientation)) {
+            if (occupied[static_cast<std::size_t>(i)]) {
                 selection->getSlice(&slice, orientation, i);
                 slice.fillSelection(-1, -1, 0);
             }
@@ -37,10 +118,7 @@ void GiQ::selectionFillAll()
             // What is filled stays filled: undo takes it back as a whole.
             if (area->interrupted()) break;
         }
-        updateSelectionBoxes();
-    }
-    touchData(1, 0, 0, 0, 0, 0);
-    redraw();
+    });
 }
 
 void GiQ::selectionFillVolume()
@@ -49,8 +127,7 @@ void GiQ::selectionFillVolume()
     saveUndoInformationForVolume(1, 0, nullptr);
     selection->fillHoles();
     updateSelectionBoxes();
-    touchData(1, 0, 0, 0, 0, 0);
-    redraw();
+    announceSelection();
 }
 
 void GiQ::selectionInvert2D()
@@ -65,33 +142,41 @@ void GiQ::selectionInvert3D()
 
 // Slices with a selection
 
+namespace {
+
+/// The first occupied slice of from, from + step, ... before `end`; `otherwise` if there is none.
+int findOccupied(const GiSelection3D* selection, int orientation, int from, int end, int step, int otherwise)
+{
+    if (!selection) return otherwise;
+    const std::vector<unsigned char> occupied = giOccupiedSlices(*selection, orientation);
+    const int n = static_cast<int>(occupied.size());
+    for (int i = from; i != end && i >= 0 && i < n; i += step)
+        if (occupied[static_cast<std::size_t>(i)]) return i;
+    return otherwise;
+}
+
+} // namespace
+
 int GiQ::firstSliceWithSelection(int current, int orientation)
 {
-    for (int i = 0; i < current; ++i)
-        if (!selection->isEmpty(i, orientation)) return i;
-    return current;
+    return findOccupied(selection, orientation, 0, current, 1, current);
 }
 
 int GiQ::lastSliceWithSelection(int current, int orientation)
 {
-    for (int i = selection->getNumSlices(orientation) - 1; i > current; --i)
-        if (!selection->isEmpty(i, orientation)) return i;
-    return current;
+    const int last = selection ? selection->getNumSlices(orientation) - 1 : current;
+    return findOccupied(selection, orientation, last, current, -1, current);
 }
 
 int GiQ::prevSliceWithSelection(int current, int orientation)
 {
-    for (int i = current - 1; i >= 0; --i)
-        if (!selection->isEmpty(i, orientation)) return i;
-    return current;
+    return findOccupied(selection, orientation, current - 1, -1, -1, current);
 }
 
 int GiQ::nextSliceWithSelection(int current, int orientation)
 {
-    const int n = selection->getNumSlices(orientation);
-    for (int i = current + 1; i < n; ++i)
-        if (!selection->isEmpty(i, orientation)) return i;
-    return current;
+    const int n = selection ? selection->getNumSlices(orientation) : 0;
+    return findOccupied(selection, orientation, current + 1, n, 1, current);
 }
 
 void GiQ::goToSlice(int (GiQ::*find)(int, int))

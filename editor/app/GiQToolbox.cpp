@@ -10,6 +10,7 @@
 #include "hx/HxParamBundle.h"
 #include "hx/HxResource.h"
 #include "hx/HxWorkArea.h"
+#include "mc/McException.h"
 #include "qx/QxColormapFullRangeSlider.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiTool.h"
@@ -131,8 +132,8 @@ void GiQToolbox::connectButtons()
         {replaceSelectionButton, &GiQToolbox::replaceBySelection},
         {addSelectionButton, &GiQToolbox::addSelection},
         {subtractSelectionButton, &GiQToolbox::subtractSelection},
-        {growButton, nullptr},
-        {shrinkButton, nullptr},
+        {growButton, &GiQToolbox::growSelection},
+        {shrinkButton, &GiQToolbox::shrinkSelection},
         {wShowCrossHairButton, &GiQToolbox::crossHair},
         {zoomInButton, &GiQToolbox::zoomIn},
         {zoomOutButton, &GiQToolbox::zoomOut},
@@ -145,9 +146,19 @@ void GiQToolbox::connectButtons()
         entry.button->setEnabled(entry.operation != nullptr);
         if (entry.operation)
             connect(entry.button, &QAbstractButton::clicked, this,
-                    [this, run = entry.operation] { (this->*run)(); });
+                    [this, run = entry.operation] { runButton(run); });
     }
     addSelectionButton->installEventFilter(this);
+}
+
+/// An exception must not leave through Qt, which would end the program.
+void GiQToolbox::runButton(void (GiQToolbox::*operation)())
+{
+    try {
+        (this->*operation)();
+    } catch (const McException& e) {
+        HxResource::handleException(e, 0);
+    }
 }
 
 void GiQToolbox::connectWidgets()
@@ -299,6 +310,22 @@ void GiQToolbox::replaceBySelection()
 void GiQToolbox::subtractSelection()
 {
     if (mayTransfer()) gi->subtractSelection(gi->currentTissue, selectionIs3D());
+}
+
+void GiQToolbox::growSelection()
+{
+    if (selectionIs3D())
+        gi->growSelection3D();
+    else
+        gi->growSelection2D();
+}
+
+void GiQToolbox::shrinkSelection()
+{
+    if (selectionIs3D())
+        gi->shrinkSelection3D();
+    else
+        gi->shrinkSelection2D();
 }
 
 // Display

@@ -55,6 +55,9 @@ public slots:
     void addSelection();
     void replaceBySelection();
     void subtractSelection();
+    /// The volume's selection or the current slice's, by the choice of "All slices" and "Current slice".
+    void growSelection();
+    void shrinkSelection();
     void crossHair();
     void redraw();
     void setColormap(QAction* action);
@@ -73,6 +76,7 @@ private:
     void loadIcons();
     void connectWidgets();
     void connectButtons();
+    void runButton(void (GiQToolbox::*operation)());
     void addTools();
     bool mayTransfer() const;
     void handleAlertMode3D(bool alert);

@@ -102,17 +102,12 @@ int fillHoles(const Call& call)
     return call.notAvailable();
 }
 
-int fillSelection3D(const Call& call)
+/// Commands without words that are an entry of the menu "Selection".
+template <void (GiQ::*kOperation)()>
+int selectionEntry(const Call& call)
 {
     if (call.count != 2) return call.wrongCount();
-    call.gi.selectionFillVolume();
-    return TCL_OK;
-}
-
-int fillAllSlices(const Call& call)
-{
-    if (call.count != 2) return call.wrongCount();
-    call.gi.selectionFillAll();
+    (call.gi.*kOperation)();
     return TCL_OK;
 }
 
@@ -365,17 +360,20 @@ constexpr Command kCommands[] = {
     {"selectMaterial", selectMaterial, "selectMaterial INDEX", "makes a material the current one"},
     {"selectMaterial2", selectMaterial2, "selectMaterial2 INDEX",
      "makes a material the current one and selects exactly its voxels"},
-    {"growSelection3D", notAvailableWithoutWords, "growSelection3D", "grows the selection by a voxel in 3D"},
-    {"shrinkSelection3D", notAvailableWithoutWords, "shrinkSelection3D",
+    {"growSelection3D", selectionEntry<&GiQ::growSelection3D>, "growSelection3D",
+     "grows the selection by a voxel in 3D"},
+    {"shrinkSelection3D", selectionEntry<&GiQ::shrinkSelection3D>, "shrinkSelection3D",
      "shrinks the selection by a voxel in 3D"},
-    {"growSelectionAll2D", notAvailableWithoutWords, "growSelectionAll2D",
+    {"growSelectionAll2D", selectionEntry<&GiQ::growSelectionAll2D>, "growSelectionAll2D",
      "grows the selection in every slice"},
-    {"shrinkSelectionAll2D", notAvailableWithoutWords, "shrinkSelectionAll2D",
+    {"shrinkSelectionAll2D", selectionEntry<&GiQ::shrinkSelectionAll2D>, "shrinkSelectionAll2D",
      "shrinks the selection in every slice"},
     {"smoothSelectionAllSlices", notAvailableWithoutWords, "smoothSelectionAllSlices",
      "smooths the selection in every slice"},
-    {"fillSelection3D", fillSelection3D, "fillSelection3D", "fills cavities of the selection in 3D"},
-    {"fillAllSlices", fillAllSlices, "fillAllSlices", "fills holes of the selection in every slice"},
+    {"fillSelection3D", selectionEntry<&GiQ::selectionFillVolume>, "fillSelection3D",
+     "fills cavities of the selection in 3D"},
+    {"fillAllSlices", selectionEntry<&GiQ::selectionFillAll>, "fillAllSlices",
+     "fills holes of the selection in every slice"},
     {"snapshot", snapshot, "snapshot VIEWER FILE", "writes the picture of a viewer"},
     {"invertSelection", invertSelection, "invertSelection ?3D?",
      "inverts the slice's or the volume's selection"},

@@ -183,6 +183,11 @@ void fillSelection(const Target& t, const McKeyboardEvent&)
     t.gi.redraw();
 }
 
+void growSelection(const Target& t, const McKeyboardEvent&)
+{
+    t.gi.growSelection2D();
+}
+
 void toggle3dMode(const Target& t, const McKeyboardEvent&)
 {
     t.gi.set3dMode(!t.gi.mode3D);
@@ -244,7 +249,7 @@ constexpr Command kCommands[] = {
     {'h', nullptr}, // filling of bone
     {'q', toggle3dMode},
     {'v', changeLayout},
-    {kControlBracket, nullptr}, // growing of the selection
+    {kControlBracket, growSelection},
     {Key::kReturn, redraw},
     {Key::kHome, goToFirstSlice},
     {Key::kEnd, goToLastSlice},

@@ -5,6 +5,7 @@
 #include "core/mcFloodFill.h"
 #include "hx/HxMessage.h"
 #include "mc/McMemoryException.h"
+#include "mc/McMorphology.h"
 
 #include <algorithm>
 
@@ -246,13 +247,12 @@ void GiSelection2D::invert()
 void GiSelection2D::fillSelection(int x, int y, int mode)
 {
     try {
-        McBitfield visited(width * height);
         if (x < 0 || y < 0 || x >= static_cast<int>(width) || y >= static_cast<int>(height))
-            closeHoles(visited);
+            closeHoles();
         else if (mode)
-            deleteRegion(x, y, visited);
+            deleteRegion(x, y);
         else
-            fillRegion(x, y, visited);
+            fillRegion(x, y);
     } catch (const McMemoryException& e) {
         HxMessage::getTheMsg()->memError(e.size());
         return;
@@ -261,38 +261,43 @@ void GiSelection2D::fillSelection(int x, int y, int mode)
     modified = 1;
 }
 
-/// Floods the background from the border and selects what it did not reach.
-void GiSelection2D::closeHoles(McBitfield& visited)
+/// Floods the background from the border and selects what it did not reach. The slice is taken out of the
+/// volume for it, so that its rows lie side by side.
+void GiSelection2D::closeHoles()
 {
-    McEqualityChecker<int> unset(0);
-    const auto floodFrom = [&](int x, int y) {
-        if (isSet(x, y) ||
-            visited.isSet(static_cast<unsigned long>(y) * width + static_cast<unsigned long>(x)))
-            return;
-        mcFloodFill2D(*this, unset, x, y, visited, nullptr);
-    };
     const int w = static_cast<int>(width), h = static_cast<int>(height);
-    for (int x = 0; x < w && h > 0; ++x) {
-        floodFrom(x, 0);
-        floodFrom(x, h - 1);
+    if (w == 0 || h == 0) return;
+    GiSelection2D filled;
+    filled.resize(w, h);
+    filled.copyData(*this);
+    McDArray<McVec3i> border;
+    for (int x = 0; x < w; ++x) {
+        border.append(McVec3i(x, 0, 0));
+        border.append(McVec3i(x, h - 1, 0));
     }
-    for (int y = 0; y < h && w > 0; ++y) {
-        floodFrom(0, y);
-        floodFrom(w - 1, y);
+    for (int y = 0; y < h; ++y) {
+        border.append(McVec3i(0, y, 0));
+        border.append(McVec3i(w - 1, y, 0));
     }
-    visited.toggleAll();
-    changeMarked(visited, true);
+    const int dims[3] = {w, h, 1};
+    const McBitfield before = filled.localBits;
+    McMorphology::fillUnreached(filled.localBits, border, dims);
+    for (unsigned long i = 0; i < before.numWords64(); ++i)
+        filled.localBits.words64()[i] ^= before.words64()[i];
+    changeMarked(filled.localBits, true);
 }
 
-void GiSelection2D::deleteRegion(int x, int y, McBitfield& visited)
+void GiSelection2D::deleteRegion(int x, int y)
 {
+    McBitfield visited(width * height);
     McEqualityChecker<int> isSelected(1);
     mcFloodFill2D(*this, isSelected, x, y, visited, nullptr);
     changeMarked(visited, false);
 }
 
-void GiSelection2D::fillRegion(int x, int y, McBitfield& visited)
+void GiSelection2D::fillRegion(int x, int y)
 {
+    McBitfield visited(width * height);
     McEqualityChecker<int> unset(0);
     mcFloodFill2D(*this, unset, x, y, visited, nullptr);
     changeMarked(visited, true);

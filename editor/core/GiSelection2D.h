@@ -112,9 +112,9 @@ private:
     }
     void copyFields(const GiSelection2D& other);
     McBox2i tightBox(const McBox2i& within) const;
-    void closeHoles(McBitfield& visited);
-    void fillRegion(int x, int y, McBitfield& visited);
-    void deleteRegion(int x, int y, McBitfield& visited);
+    void closeHoles();
+    void fillRegion(int x, int y);
+    void deleteRegion(int x, int y);
     void changeMarked(const McBitfield& marks, bool select);
     template <class Change>
     void changeRun(unsigned long x0, unsigned long end, unsigned long y, const Change& change);

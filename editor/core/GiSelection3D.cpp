@@ -186,8 +186,5 @@ void GiSelection3D::fillHoles()
         corners.append(McVec3i(0, y, plane));
     }
     const int sizes[3] = {x + 1, y + 1, z + 1};
-    McBitfield background;
-    McMorphology::floodfill(bits, background, corners, false, sizes);
-    background.toggleAll();
-    copyFrom(background);
+    McMorphology::fillUnreached(bits, corners, sizes);
 }

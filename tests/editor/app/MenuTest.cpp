@@ -59,9 +59,9 @@ TEST_F(Menus, EntriesLiveWithDataIfTheirOperationIsThere)
 {
     open();
     QAction* fill = entry(mainMenu("&Selection"), "&Fill/Volume");
-    QAction* grow = entry(mainMenu("&Selection"), "&Grow/Volume");
+    QAction* smooth = entry(mainMenu("&Selection"), "S&mooth/All slices");
     EXPECT_TRUE(fill->isEnabled());
-    EXPECT_FALSE(grow->isEnabled());
+    EXPECT_FALSE(smooth->isEnabled());
     editor()->stopEditing();
     EXPECT_FALSE(fill->isEnabled());
     EXPECT_FALSE(orientation("XY (axial)")->isEnabled());

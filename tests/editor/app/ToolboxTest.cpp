@@ -345,8 +345,7 @@ TEST_F(Toolbox, WithoutDataOnlyTheChoiceOfDataIsAlive)
         EXPECT_FALSE(part->isEnabled()) << text(part->objectName());
     eval("segment labels image");
     EXPECT_TRUE(toolbox().addSelectionButton->isEnabled());
-    for (QWidget* later :
-         {static_cast<QWidget*>(toolbox().growButton), static_cast<QWidget*>(toolbox().wShow3DSlicesButton),
-          static_cast<QWidget*>(toolbox().wShow3DSelectionCheckBox)})
+    for (QWidget* later : {static_cast<QWidget*>(toolbox().wShow3DSlicesButton),
+                           static_cast<QWidget*>(toolbox().wShow3DSelectionCheckBox)})
         EXPECT_FALSE(later->isEnabled()) << "its operation is not there: " << text(later->objectName());
 }
