@@ -98,6 +98,33 @@ class Flood:
         return np.packbits(self.mask.ravel(), bitorder="little")
 
 
+class FillHoles:
+    """SciPy's own, 6-connected."""
+
+    def __init__(self, bits):
+        from scipy import ndimage
+
+        self.ndimage = ndimage
+        self.mask = load_bits(bits).reshape(size, size, size)
+
+    def prepare(self):
+        self.filled = None
+
+    def run(self):
+        self.filled = self.ndimage.binary_fill_holes(self.mask)
+
+    def result(self):
+        return np.packbits(self.filled.ravel(), bitorder="little")
+
+
+class FillOutside(FillHoles):
+    """Pieces of the background are numbered, and what the corner's piece does not hold is filled."""
+
+    def run(self):
+        pieces, _ = self.ndimage.label(~self.mask)
+        self.filled = pieces != pieces[0, 0, 0]
+
+
 class Lookup:
     """Slices through the window of a grey display, one pixel of 32 bits each; the walk is that of SliceWalk.
 
@@ -150,7 +177,15 @@ def write_atlas(source, target):
     np.ascontiguousarray(np.tile(labels, times)[:size, :size, :size]).tofile(target)
 
 
-KINDS = {"add": Add, "select": Select, "invert": Invert, "flood": Flood, "lookup": Lookup}
+KINDS = {
+    "add": Add,
+    "select": Select,
+    "invert": Invert,
+    "flood": Flood,
+    "fill": FillHoles,
+    "outside": FillOutside,
+    "lookup": Lookup,
+}
 operations = {}
 
 
