@@ -1,4 +1,5 @@
-# Makes the pictures of the user's guide: an atlas over its MRI, a stroke of the brush, the masking.
+# Makes the pictures of the user's guide: an atlas over its MRI, a stroke of the brush, the masking, a
+# selection on its way.
 #
 #   scripts/guide-pictures
 #
@@ -47,3 +48,17 @@ gi clear 3d
 gi setToolDataWindow 95 255
 toolbox widget wEnableMaskingCheckBox 1
 view 2 snapshot $out/masking.png
+
+# What was drawn and given to a material is picked, and rotated as far as the button is held.
+toolbox widget wEnableMaskingCheckBox 0
+view 2 event press 62 84 left
+foreach {i j} {64 92 68 100 70 108 76 112} { view 2 event move $i $j left }
+view 2 event release 76 112 left
+gi add
+view 2 event key 0
+view 2 event press 66 96 left
+view 2 event release 66 96 left
+view 2 event press 74 110 left shift
+view 2 event move 60 112 left shift
+view 2 snapshot $out/pick.png
+view 2 event release 60 112 left shift

@@ -130,6 +130,10 @@ public:
     /// Scale and bias from stored to shown values, from "DataWindowScale" and "DataWindowBias".
     void setRescaleInterceptSlope(const HxParamBundle* bundle);
     void initTools();
+    /// The sum of all moves of the selection through all slices with the pick tool, in world units; zero
+    /// without such a tool.
+    McVec3f getPickingTranslation() const;
+    void resetPickingTranslation();
 
     void zoomIn();
     void zoomOut();

@@ -9,6 +9,7 @@
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiMagicWand.h"
 #include "tools/GiPanTool.h"
+#include "tools/GiPickRegion.h"
 #include "tools/GiThreshold.h"
 #include "tools/GiTool.h"
 
@@ -21,6 +22,7 @@ constexpr int kNumTools = 7; // pick region, brush, lasso, magic wand, threshold
 void Gi::createTools()
 {
     for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
+    tools[GiPickRegion::kIndex] = new GiPickRegion(this);
     tools[GiBrush::kIndex] = new GiBrush(this);
     tools[GiMagicWand::kIndex] = new GiMagicWand(this);
     tools[GiThreshold::kIndex] = new GiThreshold(this);
@@ -71,6 +73,19 @@ void Gi::initTools()
 {
     for (int i = 0; i < tools.size(); ++i)
         if (tools[i]) tools[i]->init();
+}
+
+McVec3f Gi::getPickingTranslation() const
+{
+    for (int i = 0; i < tools.size(); ++i)
+        if (const auto* pick = dynamic_cast<GiPickRegion*>(tools[i])) return pick->getTranslationVec();
+    return McVec3f();
+}
+
+void Gi::resetPickingTranslation()
+{
+    for (int i = 0; i < tools.size(); ++i)
+        if (auto* pick = dynamic_cast<GiPickRegion*>(tools[i])) pick->resetTranslationVec();
 }
 
 void Gi::set3dMode(bool on)
