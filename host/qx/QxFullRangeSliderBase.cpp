@@ -128,9 +128,11 @@ void QxFullRangeSliderBase::clearMarker()
 
 float QxFullRangeSliderBase::legal(float value) const
 {
+    if (!discrete) return std::clamp(value, limitLow, limitHigh);
+    const float first = std::ceil(limitLow), last = std::floor(limitHigh);
+    if (first > last) return std::clamp(value, limitLow, limitHigh); // no whole number lies within
     // Halves go up on both sides of zero, so that a band that is dragged keeps its width.
-    if (discrete) value = std::floor(value + 0.5f);
-    return std::clamp(value, limitLow, limitHigh);
+    return std::clamp(std::floor(value + 0.5f), first, last);
 }
 
 /// Keeps what the values become by the rules; true if that changed them.

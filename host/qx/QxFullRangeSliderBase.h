@@ -28,7 +28,7 @@ public:
     /// height is dear.
     void setFieldsBeside(bool on);
 
-    /// Discrete values are whole numbers: others are rounded.
+    /// Discrete values are whole numbers: others are rounded, those beyond a limit to the last one within.
     void setDiscrete(bool on);
     bool isDiscrete() const { return discrete; }
 

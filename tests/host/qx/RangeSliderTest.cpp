@@ -112,7 +112,13 @@ TEST_F(RangeSlider, NewLimitsAndRoundingReachValuesThatAreThere)
     slider.setValue(-5, 70);
     EXPECT_EQ(values(), Pair(0.4f, 30.6f));
     slider.setDiscrete(true);
+    EXPECT_EQ(values(), Pair(1, 30)) << "whole numbers within the limits";
+    slider.setValue(-5, 70);
+    EXPECT_EQ(values(), Pair(1, 30));
+    slider.setRange(30.2f, 30.7f);
+    EXPECT_EQ(values(), Pair(30.2f, 30.2f)) << "where no whole number is, the limits count more";
     slider.setRange(0, 31);
+    slider.setValue(0, 31);
     EXPECT_EQ(values(), Pair(0, 31));
     EXPECT_EQ(told.back(), values());
 
