@@ -163,6 +163,11 @@ void GiQTissueList::nameChanged(int row, int column)
     const QByteArray former(material->getName());
     const QByteArray name = cleaned(text).isEmpty() ? cleaned(former) : cleaned(text);
     itemOf(row)->setName(QString::fromLocal8Bit(name));
+    // Blanks only change; a name that has lost characters may surprise its author.
+    if (name.size() != text.size() && !text.isEmpty())
+        HxMessage::getTheMsg()->printf(
+            "A material is named by letters, digits and _-. alone: \"%s\" became \"%s\".", text.constData(),
+            name.constData());
     if (!rename(row, name)) return;
     if (gi && former != material->getName()) gi->touchData(0, 1, -1, -1, -1, -1);
     notifyStop();

@@ -619,6 +619,24 @@ TEST_F(TissueList, MovingARowKeepsTheFirstAndTheLabels)
     EXPECT_EQ(voxelList(), before);
 }
 
+TEST_F(TissueList, SaysWhichCharactersOfANameWereDropped)
+{
+    const struct
+    {
+        const char* typed;
+        std::vector<std::string> remarks;
+    } rows[] = {
+        {"Liver", {}},
+        {"left kidney", {}},
+        {"a/b (c)", {"A material is named by letters, digits and _-. alone: \"a/b (c)\" became \"ab_c\"."}},
+        {"()", {"A material is named by letters, digits and _-. alone: \"()\" became \"ab_c\"."}}};
+    for (const auto& row : rows) {
+        console.clear();
+        list->item(1, GiQTissueList::kName)->setText(row.typed);
+        EXPECT_EQ(console, row.remarks) << row.typed;
+    }
+}
+
 TEST_F(TissueList, IsEmptyWithoutDataAndTakesNoHarm)
 {
     list->setTissues(nullptr, -1);
