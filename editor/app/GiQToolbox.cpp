@@ -198,6 +198,9 @@ void GiQToolbox::addTools()
         QAction* action = toolBar->addAction(icon, tr(tool->name));
         action->setCheckable(true);
         action->setData(i);
+        // Scripts press it by this name.
+        if (QWidget* button = toolBar->widgetForAction(action))
+            button->setObjectName(QString("tool%1").arg(i));
     }
 }
 

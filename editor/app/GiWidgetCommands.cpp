@@ -44,6 +44,26 @@ bool isNamed(const QWidget* widget)
     return !widget->objectName().isEmpty() && !widget->objectName().startsWith("qt_");
 }
 
+/// Whether a path as `slider/minField` means the widget: its last part is the widget's name, the others are
+/// names of widgets around it within the panel, from the outside in.
+bool isMeant(const QWidget* widget, const QWidget& panel, const QStringList& path)
+{
+    if (widget->objectName() != path.back()) return false;
+    qsizetype open = path.size() - 1; // parts that are not found yet
+    for (const QWidget* outer = widget->parentWidget(); open > 0 && outer && outer != &panel;
+         outer = outer->parentWidget())
+        if (outer->objectName() == path[open - 1]) --open;
+    return open == 0;
+}
+
+/// The name, after that of the widget around it where several widgets have it.
+QString listedName(const QWidget* widget, const QStringList& allNames)
+{
+    const QString name = widget->objectName();
+    const QWidget* parent = widget->parentWidget();
+    return allNames.count(name) > 1 && parent && isNamed(parent) ? parent->objectName() + '/' + name : name;
+}
+
 /// Reads or sets the widget that the words from `at` on name.
 ///
 /// part    true for widgets of the panel, false for those of others inside it
@@ -53,17 +73,23 @@ int access(const Call& call, QWidget& panel, int at, const IsPart& isPart)
     if (call.count < at + 2 || std::string(call.words[at]) != "widget")
         return HxScriptCommands::wrongArguments(call.interp, call.words[0]);
     const char* name = call.words[at + 1];
+    const QStringList path = QString::fromUtf8(name).split('/');
     QWidget* found = nullptr;
+    QList<QWidget*> parts;
     QStringList names;
     for (QWidget* widget : panel.findChildren<QWidget*>()) {
         if (!isNamed(widget) || !isPart(widget)) continue;
+        parts.append(widget);
         names.append(widget->objectName());
-        if (!found && widget->objectName() == name) found = widget;
+        if (!found && isMeant(widget, panel, path)) found = widget;
     }
     if (!found) {
-        names.sort();
+        QStringList listed;
+        for (const QWidget* widget : std::as_const(parts)) listed.append(listedName(widget, names));
+        listed.removeDuplicates();
+        listed.sort();
         return call.fail("there is no widget " + quoted(name) +
-                         "; there are: " + names.join(", ").toStdString() + ".");
+                         "; there are: " + listed.join(", ").toStdString() + ".");
     }
     QStringList values;
     for (int i = at + 2; i < call.count; ++i) values.append(QString::fromUtf8(call.words[i]));
@@ -146,9 +172,11 @@ int filter(Tcl_Interp* interp, int count, const char* const* words)
 
 void giAddWidgetCommands()
 {
-    const char* const kValues = " Check boxes and radio buttons have 0 or 1, range sliders two numbers, "
-                                "combo boxes an item's text or index; "
-                                "buttons take click.";
+    const char* const kValues =
+        " A name that several widgets have means the first; PARENT/NAME tells which one. "
+        "Check boxes and radio buttons have 0 or 1, range sliders two numbers, "
+        "combo boxes an item's text or index; "
+        "buttons take click.";
     HxScriptCommands::add("tool", "tool N widget NAME ?VALUE ...?",
                           (std::string("Reads or sets a widget in the panel of tool N.") + kValues).c_str(),
                           tool);
