@@ -68,6 +68,18 @@ bool checkImage(Tcl_Interp* interp, HxData* labels, HxData* image)
     return true;
 }
 
+/// The editor that shows the labels: that of the mode or, if the program was started without modes, one in
+/// the normal window. Null if they could not be opened.
+HxGiEditor* openLabels(HxData* labels, HxData* image)
+{
+    if (HxSubApplication::areSwitchedOff()) return HxGiEditor::openInWindow(labels, image);
+    HxGiEditor::clearWindow();
+    HxGiSubApplication* application = HxGiSubApplication::instance();
+    application->open(labels, image);
+    HxGiEditor* editor = application->getEditor();
+    return editor->getLabelData() == labels ? editor : nullptr;
+}
+
 int segment(Tcl_Interp* interp, int count, const char* const* words)
 {
     if (count != 2 && count != 3) return HxScriptCommands::wrongArguments(interp, "segment");
@@ -85,12 +97,9 @@ int segment(Tcl_Interp* interp, int count, const char* const* words)
         image = findData(interp, words[2]);
         if (!image || !checkImage(interp, labels, image)) return TCL_ERROR;
     }
-    HxGiSubApplication* application = HxGiSubApplication::instance();
-    HxGiEditor::clearWindow();
-    application->open(labels, image);
-    if (application->getEditor()->getLabelData() != labels)
-        return fail(interp, std::string("segment: \"") + words[1] + "\" could not be opened.");
-    Tcl_VaSetResult(interp, "%s", application->getEditor()->getLabel());
+    const HxGiEditor* editor = openLabels(labels, image);
+    if (!editor) return fail(interp, std::string("segment: \"") + words[1] + "\" could not be opened.");
+    Tcl_VaSetResult(interp, "%s", editor->getLabel());
     return TCL_OK;
 }
 
@@ -241,8 +250,9 @@ int material(Tcl_Interp* interp, int count, const char* const* words)
 void giAddScriptCommands()
 {
     HxScriptCommands::add("segment", "segment LABELS ?IMAGE?",
-                          "Opens a label field for segmentation, over the given image or one that fits; the "
-                          "editor answers under the name that is the result.",
+                          "Opens a label field for segmentation, over the given image or one that fits, in "
+                          "the segmentation mode, or in the normal window of a program that was started with "
+                          "--in-window; the editor answers under the name that is the result.",
                           segment);
     HxScriptCommands::add("material", "material INDEX lock|name|color|style2D|show3D ?VALUE?",
                           "Reads or sets the lock (0 or 1), the name, the color (three numbers from 0 to 1), "

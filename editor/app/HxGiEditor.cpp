@@ -22,6 +22,7 @@
 
 namespace {
 
+constexpr const char* kScriptName = "gi";
 constexpr int kFirstTool = 3; // the magic wand
 
 bool sameDims(const HxLattice& a, const HxLattice& b)
@@ -76,6 +77,7 @@ HxGiEditor::HxGiEditor(QWidget*& toolboxOut, QWidget*& viewerOut)
 
 void HxGiEditor::init()
 {
+    setHelpFile("GI.html", "kelvane");
     toolbox = gi->getToolbox();
     for (int i = 0; i < gi->viewers.size(); ++i)
         if (GiFrameBuffer* buffer = gi->viewers[i]->getFrameBuffer())
@@ -136,6 +138,35 @@ GiQ* HxGiEditor::activeGi()
     return nullptr;
 }
 
+HxGiEditor* HxGiEditor::openInWindow(HxData* labels, HxData* image)
+{
+    auto* present = dynamic_cast<HxGiEditor*>(HxEditor::editorOf(labels));
+    if (present && present->gi && present->getLabelData() == labels) {
+        if (image) present->startEditing(labels, image);
+        return present->getLabelData() ? present : nullptr;
+    }
+    clearWindow();
+    const McHandle<HxGiEditor> editor(new HxGiEditor);
+    editor->imageToOpen = image;
+    editor->attach(labels);
+    editor->imageToOpen = nullptr;
+    if (editor->getLabelData() == labels) return editor;
+    editor->detach();
+    return nullptr;
+}
+
+const char* HxGiEditor::scriptName() const
+{
+    return gi ? getLabel() : kScriptName;
+}
+
+McString HxGiEditor::unfinishedWork() const
+{
+    if (!getLabelData() || !gi->selection->isSet()) return McString();
+    return McString::printf("the selection over \"%s\", which was not added to a material",
+                            getLabelData()->getLabel());
+}
+
 HxData* HxGiEditor::getLabelData() const
 {
     return gi ? gi->labelData : nullptr;
@@ -179,7 +210,7 @@ float HxGiEditor::eval(HxLattice* lattice, const McVec3i& index)
 void HxGiEditor::startEditing(HxData* labels)
 {
     if (gi) {
-        startEditing(labels, nullptr);
+        startEditing(labels, imageToOpen);
         return;
     }
     for (HxSubApplicationEntry& entry : HxResource::mSubApplications) {
@@ -296,6 +327,8 @@ void HxGiEditor::bind(const Pair& pair)
     gi->setMenuEnabled(true);
     gi->connectData();
     gi->redrawViewAll();
+    // Who shows what is edited, and what "Save" means, has to look again.
+    HxObjectPool::getThePool()->updateViewerToggles();
 }
 
 void* HxGiEditor::holdImage(HxLattice3* lattice)

@@ -50,6 +50,15 @@ public:
     void startEditing(HxData* labels) override;
     void stopEditing() override;
 
+    /// Opens a pair in the host's normal window and gives back its editor, null if it could not be opened.
+    /// Labels that are edited there already stay as they are, under another image if one is given.
+    static HxGiEditor* openInWindow(HxData* labels, HxData* image);
+
+    /// "gi" also for a stub: it hands over to the editor of that name.
+    const char* scriptName() const override;
+    /// A selection in any slice that was not added to a material.
+    McString unfinishedWork() const override;
+
     /// Binds a pair. `image` may be null: then the image is the one connected to the field, one of
     /// the pool that fits, or the labels themselves. Nothing happens if the pair is bound already.
     void startEditing(HxData* labels, HxData* image);
@@ -99,6 +108,7 @@ private:
 
     std::unique_ptr<GiQ> gi;
     QPointer<GiQToolbox> toolbox;      // the controller's; a foreign window may take it along
+    HxData* imageToOpen = nullptr;     // only while attach() runs: that of openInWindow()
     HxLatticeAccess* access = nullptr; // keeps the image memory in place while it is edited over
     bool preInitialised = false;
 };

@@ -3,6 +3,7 @@
 #include "hx/HxClassRegistry.h"
 #include "hx/HxData.h"
 #include "hx/HxObjectPool.h"
+#include "hx/HxSkin.h"
 
 #include <map>
 
@@ -70,6 +71,11 @@ int HxEditor::parse(Tcl_Interp* interp, int wordCount, char** words)
 bool HxEditor::typeCheck(HxData* data)
 {
     return data && data->getInterface(editedInterface);
+}
+
+void HxEditor::setHelpFile(const char* file, const char* package)
+{
+    helpFilePath = HxSkin::getGlobalInstance()->getPathToHelpFile(file, package);
 }
 
 bool HxEditor::attach(HxData* newData)

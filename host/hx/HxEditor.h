@@ -2,6 +2,7 @@
 
 #include "hx/HxBase.h"
 #include "mc/McHandle.h"
+#include "mc/McString.h"
 
 #include <vector>
 
@@ -27,6 +28,17 @@ public:
     static void initClass();
     static McTypeId getClassTypeId();
 
+    /// The label under which scripts speak to the editor while it edits; that of one at rest may be another.
+    virtual const char* scriptName() const { return getLabel(); }
+
+    /// What would be lost with the editor although its data are saved, as the end of the sentence "This will
+    /// be lost: "; empty if nothing would.
+    virtual McString unfinishedWork() const { return McString(); }
+
+    /// The help page of this editor, a file of a package.
+    void setHelpFile(const char* file, const char* package);
+    McString helpPath() const { return helpFilePath; }
+
     /// Begins to edit: the object's former editor is detached, as is this one from its former object.
     /// Returns false, and changes nothing, when typeCheck refuses the object.
     bool attach(HxData* data);
@@ -48,6 +60,7 @@ public:
 
 private:
     McTypeId editedInterface;
+    McString helpFilePath;
     McHandle<HxData> attachedData;
     bool detaching = false; // stopEditing runs
 };

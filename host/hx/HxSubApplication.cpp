@@ -7,6 +7,7 @@
 namespace {
 
 HxSubApplication* current = nullptr;
+bool switchedOff = false;
 
 std::function<void(HxSubApplication*)>& switchHandler()
 {
@@ -73,6 +74,17 @@ HxSubApplication* HxSubApplication::running()
 bool HxSubApplication::hasSubApplications()
 {
     return !HxResource::mSubApplications.empty();
+}
+
+void HxSubApplication::switchOff()
+{
+    HxResource::mSubApplications.clear();
+    switchedOff = true;
+}
+
+bool HxSubApplication::areSwitchedOff()
+{
+    return switchedOff;
 }
 
 void HxSubApplication::setHelpFile(const char* file, const char* package)

@@ -38,6 +38,10 @@ public:
     /// True when package resource files have announced any.
     static bool hasSubApplications();
 
+    /// From now on there are none: editors open in the normal window. For the start of the program.
+    static void switchOff();
+    static bool areSwitchedOff();
+
     /// The help page of this mode, a file of a package.
     void setHelpFile(const char* file, const char* package);
     McString helpPath() const { return helpFilePath; }

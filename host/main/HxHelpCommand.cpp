@@ -47,12 +47,14 @@ std::vector<Sample> samples()
 }
 
 /// The editors that stand; before the first one is opened, one of each announced class.
-std::vector<McHandle<HxBase>> editors()
+std::vector<McHandle<HxEditor>> editors()
 {
-    std::vector<McHandle<HxBase>> all(HxEditor::all().begin(), HxEditor::all().end());
+    std::vector<McHandle<HxEditor>> all(HxEditor::all().begin(), HxEditor::all().end());
     if (!all.empty()) return all;
-    for (const HxPackage::Editor& announced : HxPackage::editors())
-        if (HxBase* editor = HxClassRegistry::create(announced.className.c_str())) all.emplace_back(editor);
+    for (const HxPackage::Editor& announced : HxPackage::editors()) {
+        const McHandle<HxBase> made(HxClassRegistry::create(announced.className.c_str()));
+        if (auto* editor = dynamic_cast<HxEditor*>(made.get())) all.emplace_back(editor);
+    }
     return all;
 }
 
@@ -94,21 +96,30 @@ std::string helpOnAll()
     text += "\nThe name of an object is a command, too; NAME stands for it here.\n";
     std::set<std::string> shown;
     for (const Sample& sample : samples()) text += section(sample.title, "NAME", sample.object, shown);
-    for (const McHandle<HxBase>& editor : editors())
+    for (const McHandle<HxEditor>& editor : editors())
         text +=
-            section(std::string("The editor ") + editor->getLabel() + " answers:", "EDITOR", editor, shown);
+            section(std::string("The editor ") + editor->scriptName() + " answers:", "EDITOR", editor, shown);
     return text + "\n\"help NAME\" explains what one object answers, its ports included.";
 }
 
-std::string helpOnSpeaker(const HxBase* speaker)
+std::string helpOnSpeaker(const HxBase* speaker, const char* name)
 {
     std::string text;
     const McDArray<HxCommandHelp> list = commandsOf(speaker);
     for (int i = 0; i < list.size(); ++i)
-        text +=
-            explained(std::string(speaker->getLabel()) + " " + list[i].usage.c_str(), list[i].text.c_str());
+        text += explained(std::string(name) + " " + list[i].usage.c_str(), list[i].text.c_str());
     if (text.ends_with('\n')) text.pop_back();
     return text;
+}
+
+/// All commands of one object or editor; empty if there is none of this name.
+std::string helpOnName(const std::string& name)
+{
+    for (const HxBase* speaker : speakers())
+        if (speaker->getLabel() == name) return helpOnSpeaker(speaker, name.c_str());
+    for (const McHandle<HxEditor>& editor : editors())
+        if (editor->scriptName() == name) return helpOnSpeaker(editor, name.c_str());
+    return {};
 }
 
 /// The commands of this name, of the program and of the objects; each explanation once.
@@ -119,9 +130,9 @@ std::string helpOnCommand(const char* word)
         found.push_back(explained(entry->usage, entry->help));
     const std::vector<Sample> kinds = samples();
     std::vector<const HxBase*> all;
-    const std::vector<McHandle<HxBase>> allEditors = editors();
+    const std::vector<McHandle<HxEditor>> allEditors = editors();
     for (const Sample& sample : kinds) all.push_back(sample.object);
-    for (const McHandle<HxBase>& editor : allEditors) all.push_back(editor);
+    for (const McHandle<HxEditor>& editor : allEditors) all.push_back(editor);
     for (const HxBase* speaker : speakers()) all.push_back(speaker);
     for (const HxBase* speaker : all) {
         const McDArray<HxCommandHelp> list = commandsOf(speaker);
@@ -147,8 +158,7 @@ int hxHelpCommand(Tcl_Interp* interp, int wordCount, const char* const* words)
     if (wordCount == 1) {
         text = helpOnAll();
     } else {
-        for (const HxBase* speaker : speakers())
-            if (std::string(speaker->getLabel()) == words[1]) text = helpOnSpeaker(speaker);
+        text = helpOnName(words[1]);
         if (text.empty()) text = helpOnCommand(words[1]);
         if (text.empty()) {
             Tcl_VaSetResult(interp, "help: no command or object \"%s\".", words[1]);

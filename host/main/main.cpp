@@ -140,7 +140,7 @@ void registerEverything(const HxCommandLine& commandLine)
     loadMaterials();
     HxPackage::start();
     // Editors look whether there are modes; without one they take the normal window.
-    if (commandLine.inWindow) HxResource::mSubApplications.clear();
+    if (commandLine.inWindow) HxSubApplication::switchOff();
 }
 
 bool isScript(const std::string& file)

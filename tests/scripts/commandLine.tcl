@@ -83,6 +83,19 @@ write data.nrrd "NRRD0004\ntype: uchar\ndimension: 3\nsizes: 1 1 1\nencoding: as
 run "preferences are not written over data" $vorel --headless --preferences data.nrrd --eval {echo never}
 run "which stay as they are" $vorel --headless data.nrrd --eval {echo [data.nrrd value 0 0 0]}
 
+# Without modes editors open in the normal window, whose menu has the images.
+run "labels in the normal window" $vorel --headless --in-window data.nrrd --eval {
+    load data.nrrd
+    set labels [newLabels data.nrrd]
+    segment $labels data.nrrd
+    menu "Segmentation/Gray image/data2.nrrd"
+    menu "Segmentation/Gradient image/Default-GradientImage"
+    echo [segment $labels] [objects]
+    remove $labels
+    echo [catch {view 0 slice}] [objects]
+}
+run "help on the editor before it is opened" $vorel --headless --eval {echo [lindex [split [help gi] \n] 0]}
+
 run "preferences are kept in the named file" $vorel --headless --preferences p.ini --eval {preference selectionAlpha 33}
 run "and come back" $vorel --headless --preferences p.ini --eval {echo [preference selectionAlpha]}
 run "but not without it" $vorel --headless --eval {echo [preference selectionAlpha]}

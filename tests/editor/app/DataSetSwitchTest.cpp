@@ -119,6 +119,23 @@ TEST_F(DataSetSwitch, OtherLabelsBringTheirImage)
     EXPECT_EQ(pair(), "labels over image");
 }
 
+TEST_F(DataSetSwitch, SaveFollowsWhetherLabelsAreChosen)
+{
+    addLabels("labels");
+    addImage("image");
+    eval("segment labels image");
+    const auto* save = HxMain::getTheMain()->findChild<QAction*>("save");
+    const auto canSave = [save] {
+        QCoreApplication::processEvents(); // the window looks once all have changed
+        return save->isEnabled();
+    };
+    EXPECT_TRUE(canSave());
+    chooseLabels("<None>");
+    EXPECT_FALSE(canSave());
+    chooseLabels("labels");
+    EXPECT_TRUE(canSave());
+}
+
 TEST_F(DataSetSwitch, NewMakesAFieldToDrawInto)
 {
     HxUniformScalarField3* image = addImage("brain.nrrd");

@@ -102,6 +102,21 @@ TEST_F(Lifecycle, TheSamePairAgainKeepsSelectionAndUndo)
     EXPECT_EQ(eval("gi isVoxelSelected 0 1 1"), "1");
 }
 
+TEST_F(Lifecycle, ASelectionInAnySliceIsUnfinishedWork)
+{
+    addLabels("labels");
+    eval("segment labels labels");
+    EXPECT_STREQ(editor()->unfinishedWork(), "");
+    eval("gi toggleVoxel 1 1 0"); // not the slice in view
+    EXPECT_STREQ(editor()->unfinishedWork(),
+                 "the selection over \"labels\", which was not added to a material");
+    eval("gi clear 3d");
+    EXPECT_STREQ(editor()->unfinishedWork(), "");
+    eval("gi toggleVoxel 1 1 0");
+    editor()->stopEditing();
+    EXPECT_STREQ(editor()->unfinishedWork(), "");
+}
+
 TEST_F(Lifecycle, LabelsThatAreNamedAsTheirOwnImageStaySo)
 {
     HxUniformLabelField3* labels = addLabels("labels");
