@@ -12,6 +12,7 @@
 #include "hx/HxCompModule.h"
 #include "hx/HxData.h"
 #include "hx/HxEditor.h"
+#include "hx/HxInterpreter.h"
 #include "hx/HxLabelField3.h"
 #include "hx/HxMessage.h"
 #include "hx/HxObjectPool.h"
@@ -270,8 +271,17 @@ bool HxMain::write(HxData* object, const QString& path)
         return false;
     }
     HxFileDialog::rememberSaved(path);
-    rememberFile(path);
+    rememberFile({{path}, dynamic_cast<HxLabelField3*>(object) != nullptr});
+    tellLoss(QString::fromUtf8(error.c_str()));
     return true;
+}
+
+/// Once for each file: who saves often has read it. A script is not held up, and has it on the console.
+void HxMain::tellLoss(const QString& loss)
+{
+    if (loss.isEmpty() || toldLosses.contains(loss) || HxInterpreter::isScriptRunning()) return;
+    toldLosses.append(loss);
+    HxMessage::getTheMsg()->Info(loss.toUtf8().constData());
 }
 
 HxData* HxMain::dataToSave() const
@@ -279,11 +289,18 @@ HxData* HxMain::dataToSave() const
     // One that stops still counts as running while its pages are gone already.
     if (mode && mode == HxSubApplication::running()) return mode->currentData();
     if (currentToolPanel() == objects) return dynamic_cast<HxData*>(objects->selected());
-    // An editor has put its panel over the list, whose selection nobody sees now.
+    const HxEditor* editor = coveringEditor();
+    return editor ? editor->data() : nullptr;
+}
+
+/// The editor that has put its panel over the list, whose selection nobody sees then; null if none has.
+HxEditor* HxMain::coveringEditor() const
+{
+    if (currentToolPanel() == objects) return nullptr;
     const std::vector<HxEditor*>& editors = HxEditor::all();
     const auto found = std::find_if(editors.rbegin(), editors.rend(),
                                     [](const HxEditor* editor) { return editor->data() != nullptr; });
-    return found == editors.rend() ? nullptr : (*found)->data();
+    return found == editors.rend() ? nullptr : *found;
 }
 
 /// What a person can do who sees no viewer yet.
@@ -357,7 +374,7 @@ void HxMain::updateActions()
 
 void HxMain::closeEvent(QCloseEvent* event)
 {
-    if (!hxMayDrop(hxUnsavedData())) {
+    if (!hxMayDropUnfinished() || !hxMayDrop(hxUnsavedData())) {
         event->ignore();
         return;
     }

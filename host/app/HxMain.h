@@ -1,9 +1,13 @@
 #pragma once
 
+#include "app/HxRecentFile.h"
+
 #include <QMainWindow>
+#include <QStringList>
 
 class HxConsole;
 class HxData;
+class HxEditor;
 class HxMainWorkArea;
 class HxObject;
 class HxSubApplication;
@@ -57,12 +61,14 @@ public:
     /// Questions and errors become dialogs, messages also go to the console pane; for runs with a display.
     void takeMessages();
 
-    /// Reads data files, each an object of its own, and runs those that are scripts. What fails is told in
-    /// one dialog.
-    void openFiles(const QStringList& paths);
+    /// Reads data files and runs those that are scripts. Slices of one kind become one series if they are
+    /// one; each other file is an object of its own. What fails is told in one dialog.
+    ///
+    /// asLabels  data become label fields
+    void openFiles(const QStringList& paths, bool asLabels = false);
 
-    /// Puts a file on top of those used last.
-    void rememberFile(const QString& path);
+    /// Puts what was opened or saved on top of the list of recent files.
+    void rememberFile(const HxRecentFile& file);
 
     QSize sizeHint() const override;
 
@@ -88,12 +94,14 @@ private:
     bool load(const QStringList& paths, bool asLabels, QString& error);
     bool run(const QString& script, QString& error);
     bool write(HxData* object, const QString& path);
+    void tellLoss(const QString& loss);
     void fillRecentFiles();
     void updateActions();
     void updateActionsSoon();
     void followPool();
     void followObject(HxObject* object);
     HxData* dataToSave() const;
+    HxEditor* coveringEditor() const;
     QString nextStep() const;
     void compute();
     void showAbout();
@@ -117,5 +125,6 @@ private:
     QAction* openAction = nullptr;
     QAction* saveAction = nullptr;
     QAction* saveAsAction = nullptr;
+    QStringList toldLosses; // sentences about saved files that were shown
     bool updatePending = false;
 };

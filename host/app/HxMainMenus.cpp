@@ -8,6 +8,7 @@
 #include "app/HxWorkspace.h"
 #include "app/QxPreferenceDialog.h"
 #include "hx/HxData.h"
+#include "hx/HxEditor.h"
 #include "hx/HxFileAccess.h"
 #include "hx/HxInterpreter.h"
 #include "hx/HxMessage.h"
@@ -15,6 +16,7 @@
 #include "hx/HxResource.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSubApplication.h"
+#include "io/HxFileKind.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -24,12 +26,13 @@
 #include <QMenuBar>
 #include <QToolBar>
 
+#include <map>
+
 #include <tcl.h>
 
 namespace {
 
-constexpr const char* kRecentKey = "recentFiles";
-constexpr qsizetype kMostRecent = 10;
+constexpr qsizetype kMostAlone = 8; // files of one kind, chosen together, that may be no series
 
 bool isScript(const QString& path)
 {
@@ -96,10 +99,13 @@ void HxMain::makeViewMenu()
 void HxMain::makeHelpMenu()
 {
     QMenu* help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(tr("&User's Guide"), QKeySequence(Qt::Key_F1), this, [] {
+    help->addAction(tr("&User's Guide"), QKeySequence(Qt::Key_F1), this, [this] {
         HxHTML* browser = HxHTML::getTheBrowser();
         const HxSubApplication* running = HxSubApplication::running();
-        const QString page = running ? QString(running->helpPath().c_str()) : QString();
+        const HxEditor* editor = coveringEditor();
+        const QString page = running  ? QString::fromUtf8(running->helpPath().c_str())
+                             : editor ? QString::fromUtf8(editor->helpPath().c_str())
+                                      : QString();
         if (QFileInfo::exists(page))
             browser->load(page.toUtf8().constData());
         else
@@ -152,12 +158,7 @@ void HxMain::open()
 
 void HxMain::openAsLabels()
 {
-    QStringList errors;
-    for (const QString& path : HxFileDialog::openFiles(this, tr("Open as Labels"))) {
-        QString error;
-        if (!load({path}, true, error)) errors.append(error);
-    }
-    if (!errors.isEmpty()) HxMessage::getTheMsg()->error("%s", errors.join('\n').toUtf8().constData());
+    openFiles(HxFileDialog::openFiles(this, tr("Open as Labels")), true);
 }
 
 void HxMain::openSeries()
@@ -166,12 +167,28 @@ void HxMain::openSeries()
     if (!folder.isEmpty()) openFiles({folder});
 }
 
-void HxMain::openFiles(const QStringList& paths)
+void HxMain::openFiles(const QStringList& paths, bool asLabels)
 {
-    QStringList errors;
+    // Slices wait for the others of their kind, which may lie anywhere in the list.
+    std::map<HxFileKind, QStringList> slices;
+    QStringList single, errors;
     for (const QString& path : paths) {
+        const HxFileKind kind = isScript(path) ? HxFileKind::unknown : hxSeriesKind(path.toStdString());
+        (kind == HxFileKind::unknown ? single : slices[kind]).append(path);
+    }
+    for (const auto& [kind, files] : slices) {
         QString error;
-        if (!(isScript(path) ? run(path, error) : load({path}, false, error))) errors.append(error);
+        if (files.size() > 1 && load(files, asLabels, error)) continue;
+        // A few that are no series may be volumes or pictures by themselves. Of many, or of a series that the
+        // person has stopped, the reason is what helps.
+        if (files.size() > kMostAlone || error.endsWith(": interrupted."))
+            errors.append(error);
+        else
+            single.append(files);
+    }
+    for (const QString& path : std::as_const(single)) {
+        QString error;
+        if (!(isScript(path) ? run(path, error) : load({path}, asLabels, error))) errors.append(error);
     }
     if (!errors.isEmpty()) HxMessage::getTheMsg()->error("%s", errors.join('\n').toUtf8().constData());
 }
@@ -188,7 +205,7 @@ bool HxMain::load(const QStringList& paths, bool asLabels, QString& error)
     }
     HxObjectPool::getThePool()->addObject(loaded);
     objects->select(loaded);
-    rememberFile(paths.front());
+    rememberFile({paths, asLabels});
     return true;
 }
 
@@ -198,29 +215,24 @@ bool HxMain::run(const QString& script, QString& error)
     McString result;
     const int code = interpreter->evalFile(script.toUtf8().constData(), result);
     error = QString::fromUtf8(interpreter->errorText().c_str());
-    if (code == TCL_OK) rememberFile(script);
+    if (code == TCL_OK) rememberFile({{script}, false});
     return code == TCL_OK || interpreter->quitCode();
 }
 
-void HxMain::rememberFile(const QString& path)
+void HxMain::rememberFile(const HxRecentFile& file)
 {
-    HxSettingsMgr* settings = HxSettingsMgr::getInstance();
-    const QString full = QFileInfo(path).absoluteFilePath();
-    QStringList files = settings->getTexts(kRecentKey);
-    files.removeAll(full);
-    files.prepend(full);
-    settings->setTexts(kRecentKey, files.mid(0, kMostRecent));
+    file.remember();
 }
 
 void HxMain::fillRecentFiles()
 {
     recentFiles->clear();
     int number = 0;
-    for (const QString& path : HxSettingsMgr::getInstance()->getTexts(kRecentKey)) {
-        QAction* action = recentFiles->addAction(
-            QString("&%1 %2").arg(++number).arg(QFileInfo(path).fileName().replace('&', "&&")), this,
-            [this, path] { openFiles({path}); });
-        action->setToolTip(path);
+    for (const HxRecentFile& file : HxRecentFile::all()) {
+        QAction* action =
+            recentFiles->addAction(QString("&%1 %2").arg(++number).arg(file.title().replace('&', "&&")), this,
+                                   [this, file] { openFiles(file.paths, file.asLabels); });
+        action->setToolTip(file.paths.join('\n'));
     }
     recentFiles->setToolTipsVisible(true);
     recentFiles->menuAction()->setEnabled(number > 0);

@@ -2,6 +2,7 @@
 
 #include "app/HxMain.h"
 #include "hx/HxData.h"
+#include "hx/HxEditor.h"
 #include "hx/HxMessage.h"
 #include "hx/HxObjectPool.h"
 
@@ -18,6 +19,20 @@ std::vector<McHandle<HxData>> hxUnsavedData()
         if (data && data->isModified() && !data->isIconHidden()) unsaved.emplace_back(data);
     }
     return unsaved;
+}
+
+bool hxMayDropUnfinished()
+{
+    constexpr int kQuit = 0, kCancel = 1;
+    std::string lost;
+    for (const HxEditor* editor : HxEditor::all()) {
+        const McString work = editor->unfinishedWork();
+        if (!work.isEmpty()) lost += (lost.empty() ? "" : "; ") + work.str();
+    }
+    if (lost.empty()) return true;
+    const std::string text = "This will be lost: " + lost + ".";
+    return HxMessage::getTheMsg()->question(text.c_str(), "Quit", "Cancel", nullptr, kCancel, kCancel) ==
+           kQuit;
 }
 
 bool hxMayDrop(const std::vector<McHandle<HxData>>& objects)

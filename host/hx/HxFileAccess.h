@@ -31,7 +31,9 @@ public:
     /// Null, with `error` set, on failure.
     static HxData* load(const McDArray<McString>& paths, bool asLabels, McString& error);
 
-    /// False, with `error` set, on failure. Success sets the object's file name.
+    /// False, with `error` set, on failure. Success sets the object's file name, and `error` to a sentence
+    /// about what the file does not keep, which the console has, too; it is empty if the file keeps
+    /// everything.
     static bool save(HxData* data, const char* path, McString& error);
 
     /// The same in our own form, whatever the suffix; the object's file name stays as it is.

@@ -134,6 +134,11 @@ bool HxInterpreter::interruptScript()
     return true;
 }
 
+bool HxInterpreter::isScriptRunning()
+{
+    return runningScripts.load() > 0;
+}
+
 int HxInterpreter::openVorelSocket(int port)
 {
     if (socket) return 0;

@@ -54,6 +54,9 @@ public:
     /// runs or the running one was asked already. May be called from a signal handler.
     static bool interruptScript();
 
+    /// Whether a script runs that a question to the person would hold up.
+    static bool isScriptRunning();
+
     /// The code of the first requestQuit, empty while nobody asked.
     std::optional<int> quitCode() const { return requestedCode; }
 

@@ -28,7 +28,7 @@ bool writeData(HxData* data, const char* path, HxFileAccess::Form form, McString
         return false;
     }
     try {
-        hxWriteFile(*field, path, form == HxFileAccess::Form::own);
+        error = hxWriteFile(*field, path, form == HxFileAccess::Form::own);
         return true;
     } catch (const HxFileError& failure) {
         error = failure.what();

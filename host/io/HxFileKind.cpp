@@ -1,5 +1,6 @@
 #include "io/HxFileKind.h"
 
+#include "io/HxFileError.h"
 #include "io/HxItkFile.h"
 #include "io/HxVoxelSource.h"
 
@@ -37,6 +38,16 @@ HxFileKind hxFileKind(const std::string& path)
     // Old files lack the DICOM preamble and begin with an element of group 2 or 8; only the library can tell.
     const bool mayBeDicom = has(0, "\2\0"sv) || has(0, "\10\0"sv);
     return mayBeDicom && HxItkFile::isDicom(path) ? HxFileKind::dicom : HxFileKind::unknown;
+}
+
+HxFileKind hxSeriesKind(const std::string& path)
+{
+    try {
+        const HxFileKind kind = hxFileKind(path);
+        return kind == HxFileKind::dicom || hxIsSliceKind(kind) ? kind : HxFileKind::unknown;
+    } catch (const HxFileError&) {
+        return HxFileKind::unknown; // who reads it will tell why that fails
+    }
 }
 
 const char* hxNameOf(HxFileKind kind)

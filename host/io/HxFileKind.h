@@ -18,6 +18,10 @@ enum class HxFileKind
 
 HxFileKind hxFileKind(const std::string& path);
 
+/// The kind of a file that may be one of the files of a series; unknown for all others, also for one that
+/// cannot be read. Throws nothing.
+HxFileKind hxSeriesKind(const std::string& path);
+
 /// Name for messages: "NIfTI".
 const char* hxNameOf(HxFileKind kind);
 

@@ -120,8 +120,8 @@ bool hasWeights(const HxRegScalarField3& field)
     return labels && labels->labelLattice()->getWeights();
 }
 
-void warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geometry, Format format,
-                  const std::string& path)
+std::string warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geometry, Format format,
+                         const std::string& path)
 {
     std::vector<std::string> lost;
     if (format != Format::nrrd && format != Format::segmentation) {
@@ -132,8 +132,10 @@ void warnOfLosses(const HxRegScalarField3& field, const HxVolumeGeometry& geomet
     }
     if (format == Format::tiff) lost.push_back("the place in space and the slice distance");
     if (hasWeights(field)) lost.push_back("the weights of the labels");
-    if (!lost.empty())
-        HxMessage::getTheMsg()->printf("%s: the file does not keep %s.", path.c_str(), listed(lost).c_str());
+    if (lost.empty()) return {};
+    const std::string text = path + ": the file does not keep " + listed(lost) + ".";
+    HxMessage::getTheMsg()->printf("%s", text.c_str());
+    return text;
 }
 
 /// An empty file whose name nothing else had; removed at the end unless kept.
@@ -224,7 +226,7 @@ void writeTiff(const HxLattice3& lattice, const HxVolumeGeometry& geometry, cons
 
 } // namespace
 
-void hxWriteFile(const HxRegScalarField3& field, const std::string& path, bool inOwnForm)
+std::string hxWriteFile(const HxRegScalarField3& field, const std::string& path, bool inOwnForm)
 {
     const Format format = inOwnForm ? Format::nrrd : formatOf(path);
     const HxLattice3& lattice = *field.lattice();
@@ -262,5 +264,5 @@ void hxWriteFile(const HxRegScalarField3& field, const std::string& path, bool i
         HxNrrdField::write(field, path);
         break;
     }
-    warnOfLosses(field, geometry, format, path);
+    return warnOfLosses(field, geometry, format, path);
 }

@@ -8,6 +8,7 @@ class HxRegScalarField3;
 ///
 /// inOwnForm  as NRRD whatever the suffix
 ///
-/// What the format cannot carry is named in one console line, after the file is complete.
+/// What the format cannot carry is named in one console line, after the file is complete, and given back;
+/// empty if the file keeps everything.
 /// throws HxFileError, and an old file of that name is as it was
-void hxWriteFile(const HxRegScalarField3& field, const std::string& path, bool inOwnForm);
+std::string hxWriteFile(const HxRegScalarField3& field, const std::string& path, bool inOwnForm);

@@ -2,6 +2,7 @@
 
 #include "app/HxController.h"
 #include "app/HxFileDialog.h"
+#include "app/HxHTML.h"
 #include "app/HxMainWorkArea.h"
 #include "app/HxWorkspace.h"
 #include "app/QxViewerPanel.h"
@@ -10,13 +11,17 @@
 #include "hx/HxEditor.h"
 #include "hx/HxPortIntTextN.h"
 #include "hx/HxResource.h"
+#include "hx/HxSkin.h"
 #include "hx/HxSubApplication.h"
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QSpinBox>
 #include <QStackedLayout>
+#include <QTextBrowser>
 
 namespace {
 
@@ -99,6 +104,29 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
     }
 };
+
+TEST_F(ModeTest, TheGuideOfAnEditorInTheNormalWindowOpens)
+{
+    QFile page(path("edit.html"));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    page.write("<title>How to edit</title>");
+    page.close();
+    const McHandle<PanelEditor> editor(new PanelEditor);
+    const QDir resources(HxSkin::getGlobalInstance()->getPathToHelpFile("", ".").c_str());
+    editor->setHelpFile(resources.relativeFilePath(path("edit.html")).toUtf8().constData(), ".");
+    editor->attach(addLabels("a.nrrd"));
+    QAction* guide = nullptr;
+    for (QAction* action : window->findChildren<QAction*>())
+        if (action->shortcut() == QKeySequence(Qt::Key_F1)) guide = action;
+    ASSERT_TRUE(guide);
+    guide->trigger();
+    const auto* browser = HxHTML::getTheBrowser()->findChild<QTextBrowser*>();
+    EXPECT_EQ(browser->documentTitle().toStdString(), "How to edit");
+    editor->detach();
+    guide->trigger();
+    EXPECT_NE(browser->documentTitle().toStdString(), "How to edit");
+    HxHTML::getTheBrowser()->close();
+}
 
 TEST_F(PaintTest, ItsButtonShowsItsPagesAndTheWorkspaceButtonThoseOfTheHost)
 {

@@ -2,7 +2,10 @@
 
 #include "app/HxFileDialog.h"
 #include "app/HxUnsavedData.h"
+#include "app/HxWindowCommands.h"
 #include "app/HxWorkspace.h"
+#include "hx/HxEditor.h"
+#include "hx/HxInterpreter.h"
 #include "hx/HxUniformScalarField3.h"
 #include "mc/McElementType.h"
 
@@ -11,6 +14,8 @@
 #include <QFileInfo>
 #include <QListWidget>
 #include <QSignalSpy>
+
+#include <tcl.h>
 
 namespace {
 
@@ -66,6 +71,54 @@ TEST_F(UnsavedDataTest, ClosingAsksOnceForAllThatAPersonSees)
     answer = kDiscard;
     EXPECT_TRUE(window->close());
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(UnsavedDataTest, WhatAnEditorHoldsIsAskedAboutBeforeTheData)
+{
+    struct Editor : HxEditor
+    {
+        Editor() : HxEditor(HxData::getClassTypeId()) {}
+        void startEditing(HxData*) override {}
+        void stopEditing() override {}
+        McString unfinishedWork() const override { return work; }
+        McString work;
+    };
+    const McHandle<Editor> editor(new Editor), idle(new Editor);
+    constexpr int kQuit = 0;
+    editor->work = "the beginning of a contour";
+    EXPECT_FALSE(window->close()) << "Escape keeps the work";
+    EXPECT_EQ(dialogs, (std::vector<std::string>{"This will be lost: the beginning of a contour."}));
+    answer = kQuit;
+    EXPECT_TRUE(window->close());
+    window->show();
+    editor->work = "";
+    dialogs.clear();
+    EXPECT_TRUE(window->close());
+    EXPECT_TRUE(dialogs.empty());
+}
+
+TEST_F(UnsavedDataTest, APersonIsToldOnceWhatAFileDoesNotKeepAndAScriptIsNotHeldUp)
+{
+    hxRegisterWindowCommands();
+    HxUniformLabelField3* labels = addLabels("a");
+    labels->materials()->insert(new HxParamBundle("Exterior"));
+    window->workspace()->select(labels);
+    HxFileDialog::setNextAnswer({path("a.nii.gz")});
+    EXPECT_TRUE(window->saveDataAs(labels));
+    ASSERT_EQ(dialogs.size(), 1u);
+    EXPECT_EQ(dialogs[0], path("a.nii.gz").toStdString() +
+                              ": the file does not keep the names and colors of the materials.");
+    EXPECT_TRUE(window->saveData(labels));
+    EXPECT_EQ(dialogs.size(), 1u) << "once for each file";
+
+    HxFileDialog::setNextAnswer({path("b.nii.gz")});
+    McString result;
+    EXPECT_EQ(HxInterpreter::getTheInterpreter()->eval("menu {File/Save As}", result), TCL_OK)
+        << result.c_str();
+    EXPECT_TRUE(QFile::exists(path("b.nii.gz")));
+    HxFileDialog::setNextAnswer({path("a.nrrd")});
+    EXPECT_TRUE(window->saveDataAs(labels));
+    EXPECT_EQ(dialogs.size(), 1u);
 }
 
 TEST_F(UnsavedDataTest, AFailedSaveKeepsWindowAndMark)
