@@ -1,6 +1,7 @@
 #include "core/giHasHiddenVoxels.h"
 
 #include "core/GiOrientation.h"
+#include "mc/McSimd.h"
 
 #include <algorithm>
 #include <array>
@@ -9,6 +10,8 @@
 #include <vector>
 
 namespace {
+
+constexpr unsigned long kBlock = 64; // words, 8 cache lines
 
 /// Which planes of each axis are shown.
 using Planes = std::array<std::vector<unsigned char>, 3>;
@@ -25,6 +28,22 @@ Planes markPlanes(const GiSelection3D& selection, std::span<const GiShownSlice> 
     return planes;
 }
 
+/// The first word from `from` on that is not 0; n if there is none. Most are 0 as a rule, so blocks are
+/// looked at in wide registers.
+MC_TARGET_CLONES
+unsigned long findWord(const McBitfield::Word64* words, unsigned long from, unsigned long n)
+{
+    for (; from < n && from % kBlock != 0; ++from)
+        if (words[from]) return from;
+    for (; from + kBlock <= n; from += kBlock) {
+        std::uint64_t any = 0;
+        for (unsigned long i = 0; i < kBlock; ++i) any |= words[from + i];
+        if (any) break;
+    }
+    while (from < n && !words[from]) ++from;
+    return from;
+}
+
 } // namespace
 
 bool giHasHiddenVoxels(const GiSelection3D& selection, std::span<const GiShownSlice> shown)
@@ -34,7 +53,7 @@ bool giHasHiddenVoxels(const GiSelection3D& selection, std::span<const GiShownSl
     const Planes planes = markPlanes(selection, shown);
     const McBitfield::Word64* words = selection.bits.words64();
     const unsigned long n = selection.bits.numWords64();
-    for (unsigned long w = 0; w < n; ++w) {
+    for (unsigned long w = findWord(words, 0, n); w < n; w = findWord(words, w + 1, n)) {
         std::uint64_t rest = words[w];
         while (rest) {
             const auto bit = static_cast<unsigned long>(std::countr_zero(rest));

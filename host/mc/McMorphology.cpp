@@ -14,11 +14,14 @@
 // A slice is taken out of the field into words that begin with its first bit. Its rows follow each other
 // without a gap, so the neighbours along y are the same bits a row further on, and zeros before and behind
 // the slice stand for the neighbours that it lacks. Only along x a row would look into the next; masks stop
-// that.
+// that. A slice is worked on in strips of as many words as it takes until a row begins at the same bit again:
+// all strips have the same masks, and what a strip needs besides the slices stays in the nearest cache.
 
 namespace {
 
 using Word = std::uint64_t;
+
+constexpr long kLeastStrip = 256; // words; enough for the loops to run at full speed
 
 struct Volume
 {
@@ -32,6 +35,11 @@ struct Volume
     /// Zeros on each side of a slice: a row, and what is left of a word.
     long guard() const { return nx / 64 + 2; }
     long bufferWords() const { return sliceWords() + 2 * guard(); }
+    long stripWords() const
+    {
+        const long period = nx / std::gcd(64l, nx);
+        return (kLeastStrip + period - 1) / period * period;
+    }
     /// So many slices fill whole words, and can be written by different threads.
     long slicesPerBlock() const { return 64 / std::gcd(64l, sliceBits()); }
 };
@@ -82,36 +90,46 @@ struct Around
     const Word* behind;
 };
 
+// One strip of n words. The rows above and below lie a whole number of words away, or not.
 MC_TARGET_CLONES
 void dilateWords(const Around& a, const Word* hasLeft, const Word* hasRight, long nx, long n, Word flip,
                  Word* out)
 {
-    const int shift = int(nx % 64);
+    const int shift = int(nx % 64), rest = 64 - shift;
     const Word* above = a.rows - nx / 64;
     const Word* below = a.rows + nx / 64;
     const Word* c = a.centre;
     const Word* before = a.before;
     const Word* behind = a.behind;
+    if (shift == 0) {
+        for (long k = 0; k < n; k++) {
+            Word set = c[k] | before[k] | behind[k] | above[k] | below[k];
+            set |= (c[k] << 1 | c[k - 1] >> 63) & hasLeft[k];
+            set |= (c[k] >> 1 | c[k + 1] << 63) & hasRight[k];
+            out[k] = set ^ flip;
+        }
+        return;
+    }
     for (long k = 0; k < n; k++) {
         Word set = c[k] | before[k] | behind[k];
         set |= (c[k] << 1 | c[k - 1] >> 63) & hasLeft[k];
         set |= (c[k] >> 1 | c[k + 1] << 63) & hasRight[k];
-        set |= above[k] << shift | above[k - 1] >> 1 >> (63 - shift);
-        set |= below[k] >> shift | below[k + 1] << 1 << (63 - shift);
+        set |= above[k] << shift | above[k - 1] >> rest;
+        set |= below[k] >> shift | below[k + 1] << rest;
         out[k] = set ^ flip;
     }
 }
 
-/// What all threads share: which bits of a slice have a neighbour to the left and to the right, and zeros.
+/// What all threads share: which bits of a strip have a neighbour to the left and to the right, and zeros.
 struct Masks
 {
     explicit Masks(const Volume& v)
-        : hasLeft(int(v.sliceWords())), hasRight(int(v.sliceWords())), zeros(int(v.bufferWords()))
+        : hasLeft(int(v.stripWords())), hasRight(int(v.stripWords())), zeros(int(v.bufferWords()))
     {
         if (!(v.axes & McMorphology::kAlongX)) return;
         std::fill(hasLeft.begin(), hasLeft.end(), ~Word(0));
         std::fill(hasRight.begin(), hasRight.end(), ~Word(0));
-        for (long first = 0; first < v.sliceBits(); first += v.nx) {
+        for (long first = 0; first < 64 * v.stripWords(); first += v.nx) {
             const long last = first + v.nx - 1;
             hasLeft[int(first / 64)] &= ~(Word(1) << (first % 64));
             hasRight[int(last / 64)] &= ~(Word(1) << (last % 64));
@@ -138,7 +156,7 @@ public:
         out = scratch;
     }
 
-    static long scratchWords(const Volume& v) { return 4 * v.bufferWords() + v.sliceWords(); }
+    static long scratchWords(const Volume& v) { return 4 * v.bufferWords() + v.stripWords(); }
 
     // Reads the slices at both ends before other threads change them.
     void begin(long first, long end)
@@ -197,10 +215,16 @@ private:
 
     void write(long z)
     {
-        const Around around{centre.words, v.axes & McMorphology::kAlongY ? centre.words : zeros,
-                            neighbour(before), neighbour(behind)};
-        dilateWords(around, masks.hasLeft.data(), masks.hasRight.data(), v.nx, v.sliceWords(), v.flip, out);
-        storeBits(bits.words64(), (unsigned long)(z * v.sliceBits()), v.sliceBits(), out);
+        const Word* rows = v.axes & McMorphology::kAlongY ? centre.words : zeros;
+        const Word *first = neighbour(before), *last = neighbour(behind);
+        const long strip = v.stripWords();
+        for (long k = 0; k < v.sliceWords(); k += strip) {
+            const long n = std::min(strip, v.sliceWords() - k);
+            dilateWords({centre.words + k, rows + k, first + k, last + k}, masks.hasLeft.data(),
+                        masks.hasRight.data(), v.nx, n, v.flip, out);
+            const auto at = (unsigned long)(z * v.sliceBits() + 64 * k);
+            storeBits(bits.words64(), at, std::min(64 * n, v.sliceBits() - 64 * k), out);
+        }
     }
 
     McBitfield& bits;

@@ -1,5 +1,7 @@
 #include "RandomVolume.h"
 
+#include "core/giOccupiedSlices.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -92,6 +94,54 @@ TEST_F(Selection, ChangesOfASliceLeaveAllOtherVoxelsAlone)
         EXPECT_EQ(selection.isEmpty(slice - 1, o), 0);
         view.set(2, 3);
         EXPECT_EQ(selection.isEmpty(slice, o), 0);
+    }
+}
+
+TEST_F(Selection, OccupiedSlicesAreThoseThatAreNotEmpty)
+{
+    for (const int nx : {1, 37, 64, 130}) {
+        selection.resize(static_cast<unsigned long>(nx), kY, kZ);
+        for (int n = 0; n < 6; ++n) {
+            selection.clear();
+            for (int i = 0; i < n; ++i) selection.set(volume.below(nx), volume.below(kY), volume.below(kZ));
+            for (int o = 0; o < 3; ++o) {
+                std::vector<unsigned char> expected;
+                for (int i = 0; i < selection.getNumSlices(o); ++i)
+                    expected.push_back(!selection.isEmpty(i, o));
+                EXPECT_EQ(giOccupiedSlices(selection, o), expected) << nx << ", orientation " << o;
+            }
+        }
+    }
+}
+
+TEST_F(Selection, HolesOfASliceAreWhatTheBackgroundOfItsBorderDoesNotReach)
+{
+    for (int o = 0; o < 3; ++o) {
+        fillAtRandom();
+        const std::vector<bool> before = asVector(selection.bits);
+        const int slice = selection.getNumSlices(o) / 2, w = selection.getWidth(o),
+                  h = selection.getHeight(o);
+        std::vector<bool> outside(before.size());
+        for (bool changed = true; changed;) {
+            changed = false;
+            for (int j = 0; j < h; ++j) {
+                for (int i = 0; i < w; ++i) {
+                    const unsigned long v = voxelOf(o, slice, i, j);
+                    if (before[v] || outside[v]) continue;
+                    const bool isReached =
+                        i == 0 || j == 0 || i == w - 1 || j == h - 1 ||
+                        outside[voxelOf(o, slice, i - 1, j)] || outside[voxelOf(o, slice, i + 1, j)] ||
+                        outside[voxelOf(o, slice, i, j - 1)] || outside[voxelOf(o, slice, i, j + 1)];
+                    outside[v] = isReached;
+                    changed = changed || isReached;
+                }
+            }
+        }
+        std::vector<bool> expected = before;
+        for (int j = 0; j < h; ++j)
+            for (int i = 0; i < w; ++i) expected[voxelOf(o, slice, i, j)] = !outside[voxelOf(o, slice, i, j)];
+        selection.getSlice(slice, o).fillSelection(-1, -1, 0);
+        EXPECT_EQ(asVector(selection.bits), expected) << "orientation " << o;
     }
 }
 
