@@ -14,7 +14,6 @@
 #include "hx/HxScriptCommands.h"
 #include "mc/McInterface.h"
 #include "qx/HxColorEditor.h"
-#include "qx/QxMaterialValidator.h"
 
 #include <algorithm>
 #include <string>
@@ -134,11 +133,6 @@ int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
         Tcl_VaSetResult(interp, "%s", hasLongName ? static_cast<const char*>(longName) : material->getName());
         return TCL_OK;
     }
-    int place = 0;
-    QString typed = QString::fromUtf8(value);
-    if (!typed.isEmpty() && QxMaterialValidator().validate(typed, place) != QValidator::Acceptable)
-        return fail(interp, "material: a name has at most " + std::to_string(QxMaterialValidator::kMaxBytes) +
-                                " bytes and no control characters.");
     const McString name = HxParamBase::cleanName(value);
     if (!hasLongName && name.length() == 0)
         return fail(interp,
@@ -146,7 +140,7 @@ int materialName(Tcl_Interp* interp, GiQ& gi, int index, const char* value)
     const HxParamBundle* other = hasLongName ? nullptr : gi.materials->bundle(name, 0);
     const bool isTaken = other && other != material;
     const int count = gi.materials->nBundles();
-    tissueList(gi).item(index, GiQTissueList::kName)->setText(typed);
+    tissueList(gi).item(index, GiQTissueList::kName)->setText(QString::fromUtf8(value));
     const bool hasMerged = gi.materials->nBundles() < count;
     if (isTaken && !hasMerged) // the question whether to merge the two was not answered so
         return fail(interp, std::string("material: there is a material \"") + static_cast<const char*>(name) +

@@ -17,13 +17,14 @@ QWidget* QxMaterialNameItemDelegate::createEditor(QWidget* parent, const QStyleO
 bool QxMaterialNameItemDelegate::eventFilter(QObject* editor, QEvent* event)
 {
     // The base class keeps an editor open whose text is not acceptable. An empty name is a way to say "as it
-    // was", and whoever takes the text knows what that is.
+    // was", and whoever takes the text knows what that is. A name of a file can be longer than what can be
+    // typed, and stays so.
     auto* line = qobject_cast<QLineEdit*>(editor);
-    if (line && line->text().isEmpty() && event->type() == QEvent::KeyPress) {
+    if (line && event->type() == QEvent::KeyPress && (line->text().isEmpty() || !line->isModified())) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            emit commitData(line);
-            emit closeEditor(line, SubmitModelCache);
+            if (line->text().isEmpty()) emit commitData(line);
+            emit closeEditor(line, line->text().isEmpty() ? SubmitModelCache : RevertModelCache);
             return true;
         }
     }
