@@ -5,6 +5,7 @@
     save NAME FILE               writes the result of the last run as plain bytes
     close NAME
     atlas SOURCE FILE            repeats the labels of a NIfTI file until they fill the cube
+    slice SOURCE Z FILE          scales a slice of a NIfTI file until it fills a square
 """
 
 import gzip
@@ -164,7 +165,29 @@ class Lookup:
         return np.ascontiguousarray(self.picture)
 
 
-def write_atlas(source, target):
+class Route:
+    """scikit-image's cheapest path between two pixels of a square image, dear where that is dark."""
+
+    def __init__(self, image, side, x0, y0, x1, y1):
+        from skimage.graph import route_through_array
+
+        self.route = route_through_array
+        side = int(side)
+        self.costs = 256.0 - np.fromfile(image, np.uint8).reshape(side, side)
+        self.start = (int(y0), int(x0))
+        self.end = (int(y1), int(x1))
+
+    def prepare(self):
+        self.path = None
+
+    def run(self):
+        self.path, _ = self.route(self.costs, self.start, self.end)
+
+    def result(self):
+        return np.array(self.path, np.int32)
+
+
+def read_bytes_of_nifti(source):
     with gzip.open(source) as file:
         data = file.read()
     dims = struct.unpack_from("<3h", data, 42)
@@ -172,11 +195,24 @@ def write_atlas(source, target):
     start = int(struct.unpack_from("<f", data, 108)[0])
     if kind != 2:
         raise ValueError(f"{source}: bytes were expected, not element type {kind}")
-    labels = np.frombuffer(data, np.uint8, dims[0] * dims[1] * dims[2], start).reshape(dims[::-1])
+    return np.frombuffer(data, np.uint8, dims[0] * dims[1] * dims[2], start).reshape(dims[::-1])
+
+
+def write_slice(source, z, target):
+    from skimage.transform import resize
+
+    image = read_bytes_of_nifti(source)[int(z)]
+    scaled = resize(image, (size, size), order=1, preserve_range=True)
+    np.rint(scaled).astype(np.uint8).tofile(target)
+
+
+def write_atlas(source, target):
+    labels = read_bytes_of_nifti(source)
     times = [-(-size // side) for side in labels.shape]
     np.ascontiguousarray(np.tile(labels, times)[:size, :size, :size]).tofile(target)
 
 
+<<<<<<< Updated upstream
 KINDS = {
     "add": Add,
     "select": Select,
@@ -186,6 +222,9 @@ KINDS = {
     "outside": FillOutside,
     "lookup": Lookup,
 }
+=======
+KINDS = {"add": Add, "select": Select, "invert": Invert, "flood": Flood, "lookup": Lookup, "route": Route}
+>>>>>>> Stashed changes
 operations = {}
 
 
@@ -205,6 +244,8 @@ def answer(words):
         del operations[rest[0]]
     elif command == "atlas":
         write_atlas(*rest)
+    elif command == "slice":
+        write_slice(*rest)
     else:
         raise ValueError(f"no such command: {command}")
     return "done"

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "mc/McDArray.h"
+#include "mc/McVec.h"
+
 /// Finds the cheapest path from a seed to the pixel under the mouse, in an image of one slice.
 ///
 /// Paths are 8-connected and never run along the border of the image. The cost of a step follows edges, or
@@ -52,6 +55,10 @@ public:
     /// Moves (x, y) one step toward the seed. Returns 0, and stays, where that step would reach the seed, on
     /// the seed itself and where there is no path; the seed itself is never returned.
     int next(int& x, int& y);
+
+    /// The whole way from (x, y) to the seed, without the seed: what next tells step by step, in half the
+    /// time. Empty where isValid is 0. Takes no memory once `path` has held a longer one.
+    void getPath(int x, int y, McDArray<McVec2i>& path);
 
     /// Makes (x, y) the end of the path, and tells what has to be drawn anew: the way from (oldX, oldY), the
     /// previous end, to (forkX, forkY), where it joined what is still the path. The fork is the seed if

@@ -1,5 +1,14 @@
 #include "tools/IScissors.h"
 
+#include <algorithm>
+
+namespace {
+
+// By step, in the order of the search.
+constexpr int kStepX[] = {1, 1, 0, -1, -1, -1, 0, 1}, kStepY[] = {0, 1, 1, 1, 0, -1, -1, -1};
+
+} // namespace
+
 int IScissors::isValid(int x, int y)
 {
     if (x < 1 || y < 1 || x >= width - 1 || y >= height - 1) return 0;
@@ -28,6 +37,23 @@ int IScissors::next(int& x, int& y)
 int IScissors::predecessor(int index) const
 {
     return back[index] == kNoWay ? -1 : index - stepTo[back[index]];
+}
+
+void IScissors::getPath(int x, int y, McDArray<McVec2i>& path)
+{
+    int count = 0;
+    if (isValid(x, y)) {
+        constexpr int kFirstPath = 256;
+        for (int i = y * width + x; i != seedIndex; ++count) {
+            if (count == path.size()) path.resize(std::max(2 * count, kFirstPath));
+            path[count] = McVec2i(x, y);
+            const int step = back[i];
+            i -= stepTo[step];
+            x -= kStepX[step];
+            y -= kStepY[step];
+        }
+    }
+    path.resize(count);
 }
 
 void IScissors::markPath(int x, int y, int& oldX, int& oldY, int& forkX, int& forkY)

@@ -42,6 +42,7 @@ public:
         while (!queue.empty()) {
             const int index = std::get<2>(*queue.begin());
             queue.erase(queue.begin());
+            last = index;
             isDone[at(index)] = true;
             relaxAround(index);
         }
@@ -49,6 +50,8 @@ public:
 
     /// By pixel; -1 where no path leads, the seed itself for the seed.
     const std::vector<int>& predecessors() const { return back; }
+
+    int lastReached() const { return last; }
 
 private:
     static constexpr int kUnreached = 1 << 30;
@@ -117,5 +120,5 @@ private:
     std::vector<int> back, best, turn;
     std::vector<bool> isDone;
     std::set<std::tuple<int, int, int>> queue; // cost, the latest first, pixel
-    int latest = 0;
+    int latest = 0, last = 0;
 };

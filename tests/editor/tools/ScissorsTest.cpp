@@ -153,6 +153,11 @@ TEST(Scissors, TheStretchesOfAMoveHoldAllPixelsThatChange)
                 ASSERT_EQ(Pixel(oldX, oldY), drawn.front());
 
                 std::vector<Pixel> now = pathFrom(scissors, x, y);
+                McDArray<McVec2i> whole;
+                scissors.getPath(x, y, whole);
+                ASSERT_TRUE(std::equal(
+                    whole.begin(), whole.end(), now.begin(), now.end(),
+                    [](const McVec2i& a, const Pixel& b) { return a.x == b.first && a.y == b.second; }));
                 now.emplace_back(11, 12);
                 // From the fork on, and not before, the two are the same.
                 const auto oldFork = std::find(drawn.begin(), drawn.end(), Pixel(forkX, forkY));
@@ -199,6 +204,9 @@ TEST(Scissors, TheFirstMovesOfATrace)
     EXPECT_EQ(pathFrom(scissors, 8, 4), (std::vector<Pixel>{{8, 4}, {7, 4}, {6, 4}}));
     EXPECT_EQ(pathFrom(scissors, 6, 4), (std::vector<Pixel>{{6, 4}})) << "the seed is not told";
     EXPECT_EQ(pathFrom(scissors, 5, 4), (std::vector<Pixel>{{5, 4}}));
+    McDArray<McVec2i> path(7);
+    scissors.getPath(5, 4, path);
+    EXPECT_EQ(path.size(), 0) << "the seed has no path";
 
     scissors.currentCost = -1;
     EXPECT_FALSE(scissors.isValid(35, 4)) << "an ended trace is not taken up again by a question";
