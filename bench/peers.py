@@ -212,7 +212,6 @@ def write_atlas(source, target):
     np.ascontiguousarray(np.tile(labels, times)[:size, :size, :size]).tofile(target)
 
 
-<<<<<<< Updated upstream
 KINDS = {
     "add": Add,
     "select": Select,
@@ -221,10 +220,8 @@ KINDS = {
     "fill": FillHoles,
     "outside": FillOutside,
     "lookup": Lookup,
+    "route": Route,
 }
-=======
-KINDS = {"add": Add, "select": Select, "invert": Invert, "flood": Flood, "lookup": Lookup, "route": Route}
->>>>>>> Stashed changes
 operations = {}
 
 
