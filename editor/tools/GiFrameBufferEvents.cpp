@@ -16,6 +16,12 @@ GiPanTool* panToolOf(const Gi* gi)
     return dynamic_cast<GiPanTool*>(gi->tools[GiPanTool::kIndex]);
 }
 
+/// Whatever the middle button does, and the end of it: a release does not tell that the button was down.
+bool isForPanTool(const McEvent& event, const GiPanTool& pan)
+{
+    return event.middle || (pan.isDragging() && McMouseButtonEvent::isButtonReleaseEvent(&event, 2));
+}
+
 bool isForCrossHair(const McEvent& event)
 {
     return McMouseButtonEvent::isButtonPressEvent(&event, 1) || !(event.left || event.middle || event.right);
@@ -44,7 +50,7 @@ int GiFrameBuffer::handleEvent(McEvent* event)
         if (handlers[i](this, event, handlerData[i])) return 1;
 
     GiPanTool* pan = panToolOf(gi);
-    if (pan && event->middle && pan->handleEvent(this, event)) {
+    if (pan && isForPanTool(*event, *pan) && pan->handleEvent(this, event)) {
         clearToolMarks();
         return 1;
     }

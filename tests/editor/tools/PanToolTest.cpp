@@ -2,6 +2,7 @@
 #include "editor/tools/ViewerEvents.h"
 
 #include "hx/HxViewerTool.h"
+#include "tools/GiBrush.h"
 #include "tools/GiPanTool.h"
 
 #include <gtest/gtest.h>
@@ -55,6 +56,21 @@ TEST_F(PanTool, followsTheHandInAFlippedViewerToo)
     QCursor::setPos(200, 200);
     send(buttonEvent(2, true, 5, 5));
     EXPECT_EQ(move(205, 197), McVec2i(45, 37));
+}
+
+TEST_F(PanTool, theMiddleButtonPansAgainAndAgainWithAnyTool)
+{
+    editor.gi.setTool(GiBrush::kIndex);
+    const auto deliver = [&](McEvent&& event) { return buffer().handleEvent(&event); };
+    for (int drag = 0; drag < 4; ++drag) {
+        QCursor::setPos(200, 200);
+        EXPECT_EQ(deliver(buttonEvent(2, true, 45, 45)), 1);
+        QCursor::setPos(205, 200);
+        EXPECT_EQ(deliver(motionEvent(2, 45, 45)), 1);
+        deliver(buttonEvent(2, false, 45, 45));
+        EXPECT_FALSE(tool().isDragging());
+        EXPECT_EQ(buffer().offset, McVec2i(35 - 5 * drag, 40));
+    }
 }
 
 TEST_F(PanTool, leavesOtherBuffersAlone)
