@@ -12,14 +12,31 @@
 
 namespace {
 
-// Edge i runs from vertex i to the next one round the polygon. While it crosses the centre line
-// of the present row it is in the active table.
+// An edge of the polygon while it crosses the centre line of the present row.
 struct ActiveEdge
 {
-    int edge;
-    double x;  // where the centre line crosses it
-    double dx; // change of x from row to row
+    double x;     // where the centre line crosses it
+    double dx;    // change of x from row to row
+    double lower; // y of its lower end
 };
+
+/// Sorts by x. From row to row the order hardly changes, unless many edges have come in behind the others.
+void sortByX(std::vector<ActiveEdge>& edges, std::size_t added)
+{
+    constexpr std::size_t kFew = 16;
+    const auto isBefore = [](const ActiveEdge& a, const ActiveEdge& b) { return a.x < b.x; };
+    if (added > kFew) {
+        std::sort(edges.begin(), edges.end(), isBefore);
+        return;
+    }
+    for (std::size_t i = 1; i < edges.size(); ++i) {
+        if (!isBefore(edges[i], edges[i - 1])) continue;
+        const ActiveEdge edge = edges[i];
+        std::size_t at = i;
+        for (; at > 0 && isBefore(edge, edges[at - 1]); --at) edges[at] = edges[at - 1];
+        edges[at] = edge;
+    }
+}
 
 /// One scan over the rows of a polygon.
 class PolygonScan
@@ -27,24 +44,28 @@ class PolygonScan
 public:
     PolygonScan(int n, const McVec2f* polygon, const McBox2i& clip) : count(n), points(polygon), window(clip)
     {
-        byHeight.resize(static_cast<std::size_t>(n));
-        for (int i = 0; i < n; ++i) byHeight[static_cast<std::size_t>(i)] = i;
-        std::stable_sort(byHeight.begin(), byHeight.end(),
-                         [this](int a, int b) { return points[a].y < points[b].y; });
+        const auto [highest, lowest] = std::minmax_element(
+            points, points + count, [](const McVec2f& a, const McVec2f& b) { return a.y < b.y; });
+        // Limited before they become integers: vertices may lie anywhere.
+        const double first = std::max<double>(window.ymin, firstRow(highest->y));
+        const double last = std::min<double>(window.ymax, firstRow(lowest->y));
+        if (first > last) return;
+        top = static_cast<int>(first);
+        bottom = static_cast<int>(last);
+        listEdges();
     }
 
     /// Calls report(y, x0, x1) for each span inside the window.
     template <class Report>
     void run(const Report& report)
     {
-        // Limited before they become integers: vertices may lie anywhere.
-        const double top = std::max<double>(window.ymin, std::ceil(points[byHeight.front()].y - 0.5));
-        const double bottom = std::min<double>(window.ymax, std::floor(points[byHeight.back()].y - 0.5));
-        if (top > bottom) return;
-        for (int y = static_cast<int>(top); y <= static_cast<int>(bottom); ++y) {
-            passVertices(y);
-            std::sort(active.begin(), active.end(),
-                      [](const ActiveEdge& a, const ActiveEdge& b) { return a.x < b.x; });
+        for (int y = top; y <= bottom; ++y) {
+            const double line = y + 0.5;
+            std::erase_if(active, [line](const ActiveEdge& e) { return e.lower <= line; });
+            const std::size_t former = active.size();
+            for (int i = startingIn[row(y)]; i >= 0; i = nextStarting[static_cast<std::size_t>(i)])
+                insertEdge(i, line);
+            sortByX(active, active.size() - former);
             for (std::size_t i = 0; i + 1 < active.size(); i += 2)
                 reportSpan(active[i].x, active[i + 1].x, y, report);
             for (ActiveEdge& e : active) e.x += e.dx;
@@ -52,36 +73,42 @@ public:
     }
 
 private:
-    /// Takes in the vertices down to the centre line of row y: the edges at a vertex leave the
-    /// table if they came from above, and enter it if they go on below the line.
-    void passVertices(int y)
+    /// The first row whose centre line is not above y; a double, as it may be no integer.
+    static double firstRow(float y) { return std::ceil(static_cast<double>(y) - 0.5); }
+    std::size_t row(int y) const { return static_cast<std::size_t>(y - top); }
+
+    // Edge i runs from vertex i to the next one round the polygon.
+    const McVec2f& other(int edge) const { return points[edge + 1 < count ? edge + 1 : 0]; }
+    const McVec2f& upperEnd(int edge) const
     {
-        const double line = y + 0.5;
-        for (; nextVertex < byHeight.size() && points[byHeight[nextVertex]].y <= line; ++nextVertex) {
-            const int vertex = byHeight[nextVertex];
-            const int previous = vertex > 0 ? vertex - 1 : count - 1;
-            const int next = vertex + 1 < count ? vertex + 1 : 0;
-            updateEdge(previous, points[previous].y, line);
-            updateEdge(vertex, points[next].y, line);
-        }
+        return points[edge].y < other(edge).y ? points[edge] : other(edge);
+    }
+    const McVec2f& lowerEnd(int edge) const
+    {
+        return points[edge].y < other(edge).y ? other(edge) : points[edge];
     }
 
-    void updateEdge(int edge, double otherEnd, double line)
+    /// Lists each edge with the first row that it crosses; many cross none.
+    void listEdges()
     {
-        if (otherEnd <= line - 1)
-            std::erase_if(active, [edge](const ActiveEdge& e) { return e.edge == edge; });
-        else if (otherEnd > line)
-            insertEdge(edge, line);
+        startingIn.assign(row(bottom) + 1, -1);
+        nextStarting.resize(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            const double first = std::max<double>(top, firstRow(upperEnd(i).y));
+            if (first > bottom || static_cast<double>(lowerEnd(i).y) <= first + 0.5) continue;
+            int& head = startingIn[row(static_cast<int>(first))];
+            nextStarting[static_cast<std::size_t>(i)] = head;
+            head = i;
+        }
     }
 
     void insertEdge(int edge, double line)
     {
-        const McVec2f& a = points[edge];
-        const McVec2f& b = points[edge + 1 < count ? edge + 1 : 0];
-        const McVec2f& upper = a.y < b.y ? a : b;
-        const McVec2f& lower = a.y < b.y ? b : a;
-        const double dx = (static_cast<double>(lower.x) - upper.x) / (static_cast<double>(lower.y) - upper.y);
-        active.push_back({edge, dx * (line - upper.y) + upper.x, dx});
+        const McVec2f &upper = upperEnd(edge), &lower = lowerEnd(edge);
+        const double dx = (static_cast<double>(lower.x) - static_cast<double>(upper.x)) /
+                          (static_cast<double>(lower.y) - static_cast<double>(upper.y));
+        active.push_back({dx * (line - static_cast<double>(upper.y)) + static_cast<double>(upper.x), dx,
+                          static_cast<double>(lower.y)});
     }
 
     template <class Report>
@@ -95,8 +122,9 @@ private:
     const int count;
     const McVec2f* points;
     const McBox2i window;
-    std::vector<int> byHeight; // vertices from the top down
-    std::size_t nextVertex = 0;
+    int top = 0, bottom = -1;      // rows to go through
+    std::vector<int> startingIn;   // by row: an edge that begins there, or -1 ...
+    std::vector<int> nextStarting; // ... by edge: another one of the same row, or -1
     std::vector<ActiveEdge> active;
 };
 
