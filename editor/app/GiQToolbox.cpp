@@ -192,6 +192,7 @@ void GiQToolbox::addTools()
         GiTool* tool = gi->tools[i];
         QWidget* page = tool ? tool->getWidget(wToolContainer) : nullptr;
         if (!page) continue;
+        if (gi->getWidget()) tool->adaptToForeignWindow();
         toolPages->addWidget(page);
         const QIcon icon = HxResource::readIcon(tool->getIconName());
         if (!icon.availableSizes().isEmpty()) toolBar->setIconSize(icon.availableSizes().constFirst());

@@ -42,6 +42,9 @@ public:
     virtual void dataWindowChanged(float /*min*/, float /*max*/) {}
     /// Fills the panel, which is empty and has no layout yet.
     virtual void createWidget(QWidget* /*parent*/) {}
+    /// The panel stands in a foreign window, which has no room for all of it. Called once, behind
+    /// getWidget().
+    virtual void adaptToForeignWindow() {}
     /// A tool whose marks belong to other materials takes them out of a slice transfer here.
     virtual bool guardsSeeds() const { return false; }
     virtual void lockInactiveSeeds(GiSelection2D&) {}

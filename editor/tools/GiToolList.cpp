@@ -7,6 +7,7 @@
 #include "display/GiViewer.h"
 #include "tools/GiBrush.h"
 #include "tools/GiCrossHairTool.h"
+#include "tools/GiLasso.h"
 #include "tools/GiMagicWand.h"
 #include "tools/GiPanTool.h"
 #include "tools/GiPickRegion.h"
@@ -24,6 +25,7 @@ void Gi::createTools()
     for (int i = 0; i < kNumTools; ++i) tools.append(nullptr);
     tools[GiPickRegion::kIndex] = new GiPickRegion(this);
     tools[GiBrush::kIndex] = new GiBrush(this);
+    tools[GiLasso::kIndex] = new GiLasso(this);
     tools[GiMagicWand::kIndex] = new GiMagicWand(this);
     tools[GiThreshold::kIndex] = new GiThreshold(this);
     panTool = tools[GiPanTool::kIndex] = new GiPanTool(this);

@@ -249,9 +249,9 @@ TEST(EditorCore, ToolsAreToldOfSelectionAndEndWithTheirViewers)
     TestEditor editor(3, 3, 3);
     auto* tool = new RecordingTool(&editor.gi);
     tool->ref();
-    editor.gi.tools[2] = tool;
+    const int index = editor.gi.tools.append(tool);
     editor.gi.initTools();
-    editor.gi.setTool(2);
+    editor.gi.setTool(index);
     editor.gi.set3dMode(true);
     editor.gi.set3dMode(true);
     editor.gi.setZoomMode(false);

@@ -66,6 +66,8 @@ public:
     }
     void setToolDataWindowSliderTracking(bool on) override { tracking = on; }
     bool toolDataWindowSliderTracking() override { return tracking; }
+    void setMaskingEnabled(bool on) override { masking = on; }
+    bool maskingEnabled() const override { return masking; }
 
     /// Shows the viewer of an orientation, which becomes the current one.
     GiViewer* activate(int orientation)
@@ -80,6 +82,7 @@ public:
     int sensitivityUpdates = 0;
     int cursorUpdates = 0;
     bool tracking = true;
+    bool masking = false;
 };
 
 /// A label field over itself as image, bound to a TestGi.

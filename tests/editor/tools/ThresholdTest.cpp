@@ -171,18 +171,9 @@ TEST_F(ThresholdTool, aSliceAfterAVolumeStandsAloneAndFurtherSlicesJoinIt)
     EXPECT_EQ(count(), 30);
 }
 
-class MaskingGi : public TestGi
-{
-public:
-    MaskingGi() : TestGi(2) {}
-    void setMaskingEnabled(bool on) override { masking = on; }
-    bool maskingEnabled() const override { return masking; }
-    bool masking = false;
-};
-
 TEST(ThresholdChoice, masksWhileItIsActive)
 {
-    MaskingGi gi;
+    TestGi gi(2);
     for (const bool before : {false, true}) {
         gi.masking = before;
         gi.setTool(GiThreshold::kIndex);

@@ -30,6 +30,13 @@ public:
         return v >= static_cast<Compared>(window[0]) && v <= static_cast<Compared>(window[1]);
     }
 
+    /// The same for what compares floats whatever the type.
+    bool acceptsAsFloat(unsigned long voxel, const float* window) const
+    {
+        const auto v = static_cast<float>(values[voxel]);
+        return v >= window[0] && v <= window[1];
+    }
+
     /// A window around the middle of the values; each fourth one has equal ends.
     static void chooseWindow(std::mt19937& random, float* window)
     {

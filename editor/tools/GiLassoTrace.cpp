@@ -1,0 +1,189 @@
+// Lasso: outlines that cling to what the picture shows.
+
+#include "core/Gi.h"
+#include "display/GiFrameBuffer.h"
+#include "display/GiViewer.h"
+#include "mc/McEvent.h"
+#include "tools/GiLasso.h"
+#include "tools/giDrawOutline.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kLeft = 1;
+constexpr int kClosingDistance = 5; // screen pixels; a fixing click nearer to the first point closes
+// Pixels at the pointer that a fixing click does not fix: there the path is least settled, as the pointer is
+// rarely on the edge itself.
+constexpr int kUnsettled = 3;
+
+McVec2i screenPosition(const GiFrameBuffer& buffer, const McVec2i& pixel)
+{
+    return McVec2i(buffer.columnStart(pixel.x), buffer.rowStart(pixel.y));
+}
+
+} // namespace
+
+int GiLasso::handleEventAutoTrace(GiFrameBuffer& buffer, McEvent& event)
+{
+    const auto* button = event.as<McButtonEvent>();
+    const bool isElsewhere = frameBuffer && &buffer != frameBuffer;
+    if (isElsewhere) return button != nullptr;
+    const McVec2i pixel(buffer.dataColumn(event.x), buffer.dataRow(event.y));
+    if (!isTracing()) {
+        if (!McMouseButtonEvent::isButtonPressEvent(&event, kLeft)) return 0;
+        startAutoTracing(buffer, pixel);
+        return 1;
+    }
+    if (event.as<McLeaveWindowEvent>()) {
+        abandon();
+        return 0;
+    }
+    if (event.as<McMotionEvent>()) {
+        updateAutoTracing(buffer, pixel);
+        return 1;
+    }
+    if (!button) return 0;
+    if (button->pressed && button->button == kLeft)
+        resetAutoTracing(buffer, event, pixel);
+    else if (button->pressed)
+        stopAutoTracing(buffer, event, pixel);
+    return 1;
+}
+
+/// Brings the costs of the scissors up to date; false if the viewer shows no picture.
+bool GiLasso::initAutoTracing(GiViewer& viewer)
+{
+    const GiGreyImage* image = viewer.getGreyImage();
+    if (!image || !image->grey) return false;
+    float window[2];
+    viewer.getDataWindow(window[0], window[1]);
+    const McVec2i size(static_cast<int>(image->width), static_cast<int>(image->height));
+    // kept: the orientation is not compared. Slices of one number and size share their costs, also across
+    // orientations; the boxes of the panel and a change of slice or window renew them.
+    if (viewer.getSlice() == costSlice && std::equal(window, window + 2, costWindow) && size == costSize)
+        return true;
+    costSlice = -1; // in case that memory runs out
+    costImage.resize(size.x * size.y);
+    std::copy_n(image->grey, costImage.size(), costImage.data());
+    scissors.init(size.x, size.y, costImage.data(),
+                  traceEdges() ? IScissors::kFollowEdges : IScissors::kFollowBright);
+    costSlice = viewer.getSlice();
+    std::copy_n(window, 2, costWindow);
+    costSize = size;
+    return true;
+}
+
+void GiLasso::startAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel)
+{
+    hasTraceEnd = false;
+    if (!initAutoTracing(*buffer.viewer) || !scissors.start(pixel.x, pixel.y)) return;
+    frameBuffer = &buffer;
+    pathView = viewOf(buffer);
+    if (path.isEmpty()) pathZoom = buffer.zoomedSize;
+}
+
+void GiLasso::updateAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel)
+{
+    if (!scissors.isValid(pixel.x, pixel.y)) return;
+    const McBox2i changed = buffer.screenBox(changeOfTrace(pixel));
+    buffer.render(changed, nullptr);
+    buffer.paste(changed);
+}
+
+/// Makes a pixel the end of the trace and tells which pixels of the slice have to be drawn anew: the old way
+/// and the new one, each up to where they meet.
+McBox2i GiLasso::changeOfTrace(const McVec2i& end)
+{
+    McVec2i old, fork;
+    scissors.markPath(end.x, end.y, old.x, old.y, fork.x, fork.y);
+    McBox2i changed;
+    for (McVec2i from : {old, end}) {
+        changed.extendBy(from.x, from.y);
+        while (!(from == fork) && scissors.next(from.x, from.y)) changed.extendBy(from.x, from.y);
+        if (!(from == fork)) changed.extendBy(startOfTrace(from));
+    }
+    traceEnd = end;
+    hasTraceEnd = true;
+    return changed;
+}
+
+/// What is drawn between the outline that is fixed and the first pixel of the trace.
+McBox2i GiLasso::startOfTrace(const McVec2i& first) const
+{
+    McBox2i box(first.x, first.y, first.x, first.y);
+    if (!pathPixels.isEmpty()) box.extendBy(pathPixels.last().x, pathPixels.last().y);
+    return box;
+}
+
+/// Draws from the end of the trace back to the outline that is fixed already.
+void GiLasso::renderAutoTrace(GiFrameBuffer& buffer)
+{
+    if (!isTracing() || !hasTraceEnd) return;
+    McVec2i pixel = traceEnd, at = screenPosition(buffer, pixel);
+    while (scissors.next(pixel.x, pixel.y)) {
+        const McVec2i before = screenPosition(buffer, pixel);
+        giDrawSegment(buffer, at, before);
+        at = before;
+    }
+    if (!path.isEmpty()) giDrawSegment(buffer, at, path.last());
+}
+
+/// The end of the trace that a click means: the pixel, or on the border, where no path ends, what is on
+/// screen.
+McVec2i GiLasso::traceEndAt(const McVec2i& pixel)
+{
+    return !scissors.isValid(pixel.x, pixel.y) && hasTraceEnd ? traceEnd : pixel;
+}
+
+/// Appends the way from the seed to a pixel, both left out.
+void GiLasso::appendAutoTraceToPath(const GiFrameBuffer& buffer, const McVec2i& pixel)
+{
+    int n = 0;
+    for (McVec2i p = pixel; scissors.next(p.x, p.y);) ++n;
+    const int former = path.size();
+    path.resize(former + n);
+    pathPixels.resize(former + n);
+    McVec2i p = pixel;
+    for (int i = path.size() - 1; i >= former; --i) {
+        scissors.next(p.x, p.y);
+        pathPixels[i] = p;
+        path[i] = screenPosition(buffer, p);
+    }
+}
+
+/// A left click while tracing: closes near the first point, or else fixes what lies behind the pointer.
+void GiLasso::resetAutoTracing(GiFrameBuffer& buffer, const McEvent& event, const McVec2i& pixel)
+{
+    if (!path.isEmpty()) {
+        const long dx = long(event.x) - path[0].x, dy = long(event.y) - path[0].y;
+        if (dx * dx + dy * dy < kClosingDistance * kClosingDistance) {
+            stopAutoTracing(buffer, event, pixel);
+            return;
+        }
+    }
+    McVec2i anchor = traceEndAt(pixel);
+    McBox2i unfixed(anchor.x, anchor.y, anchor.x, anchor.y);
+    // Without a move before the click the way there was never drawn.
+    if (scissors.isValid(anchor.x, anchor.y)) unfixed.extendBy(changeOfTrace(anchor));
+    for (int i = 0; i < kUnsettled && scissors.next(anchor.x, anchor.y); ++i)
+        unfixed.extendBy(anchor.x, anchor.y);
+    appendAutoTraceToPath(buffer, anchor);
+    scissors.restart(anchor.x, anchor.y);
+    hasTraceEnd = false;
+    unfixed.extendBy(startOfTrace(anchor));
+    const McBox2i changed = buffer.screenBox(unfixed);
+    buffer.render(changed, nullptr);
+    buffer.paste(changed);
+}
+
+void GiLasso::stopAutoTracing(GiFrameBuffer& buffer, const McEvent& event, const McVec2i& pixel)
+{
+    selectionMode = modeOf(event);
+    appendAutoTraceToPath(buffer, traceEndAt(pixel));
+    scissors.currentCost = -1;
+    hasTraceEnd = false;
+    saveUndo(*buffer.viewer);
+    finishInteraction(buffer);
+    frameBuffer = nullptr;
+}
