@@ -1,5 +1,5 @@
 # Makes the pictures of the user's guide: an atlas over its MRI, a stroke of the brush, the masking, a
-# selection on its way.
+# selection on its way, outlines of the lasso.
 #
 #   scripts/guide-pictures
 #
@@ -62,3 +62,30 @@ view 2 event press 74 110 left shift
 view 2 event move 60 112 left shift
 view 2 snapshot $out/pick.png
 view 2 event release 60 112 left shift
+
+# The lasso's outlines, each before it is finished.
+proc play {args} { foreach step $args { view 2 event {*}$step } }
+gi clear 3d
+view 2 event leave
+view 2 slice 88
+view 2 size 300 300
+view 2 zoom 3
+view 2 event key 2
+play {press 82 121} {move 79 128} {move 79 136} {move 72 145} {move 75 149} {move 88 141} {move 90 136} {move 91 128}
+view 2 snapshot $out/lasso-freehand.png
+play {release 91 128} {key c}
+tool 2 widget wEllipseButton 1
+play {press 70 122} {move 111 148}
+view 2 snapshot $out/lasso-ellipse.png
+play {release 111 148} {key c}
+tool 2 widget wRectangleButton 1
+play {press 70 122} {move 111 148}
+view 2 snapshot $out/lasso-rectangle.png
+play {release 111 148} {key c}
+tool 2 widget wFreehandButton 1
+tool 2 widget wAutoTraceCheckBox 1
+play {press 81 122} {release 81 122} {move 81 134} {press 81 134} {release 81 134}
+play {move 74 146} {press 74 146} {release 74 146} {move 89 139}
+view 2 snapshot $out/lasso-trace.png
+play leave
+tool 2 widget wAutoTraceCheckBox 0
