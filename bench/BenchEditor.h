@@ -10,12 +10,14 @@
 #include <cstring>
 #include <vector>
 
-/// An editor with a label field of `size` voxels along each side, all of them background, and three viewers
-/// by orientation. Rows of all three run downward.
+/// An editor with a label field, all of it background, and three viewers by orientation. Rows of all three
+/// run downward.
 class BenchEditor
 {
 public:
-    explicit BenchEditor(unsigned long size) : dims{size, size, size}, field(new HxUniformLabelField3(dims))
+    explicit BenchEditor(unsigned long size) : BenchEditor(size, size, size) {}
+    BenchEditor(unsigned long nx, unsigned long ny, unsigned long nz)
+        : dims{nx, ny, nz}, field(new HxUniformLabelField3(dims))
     {
         gi.materials = lattice()->materials();
         for (int o = 0; o < 3; ++o) {
