@@ -23,21 +23,22 @@ constexpr int kBlock = 1024;
 constexpr int kWidestMargin = 1024;
 
 // Taps of one side that are added in one go, with their sums in registers.
-constexpr int kGroup = 3;
+constexpr int kGroup = 3; // see addLastGroup()
 
 // Tap t of a kernel meets the samples from before[t] and from after[t] on; those of the centre are the same.
 struct Neighbors
 {
-    const unsigned char* before[kWidestMargin + 1 + kGroup];
-    const unsigned char* after[kWidestMargin + 1 + kGroup];
+    const unsigned char* before[kWidestMargin + 1];
+    const unsigned char* after[kWidestMargin + 1];
 };
 
 struct Kernel
 {
     McDArray<std::int64_t> taps{kOne}; // the centre and one side, in 1/65536; the last one is not 0
-    // The same for kernels that blur, whose results need no limits: taps of at least 0 that add up to 1 or
-    // less. Filled up with zeros to whole groups; empty for all other kernels.
-    McDArray<std::uint16_t> blur;
+    // The same for kernels that blur: sides of at least 0, and below a half, that add up to 1 with the
+    // centre. A sample then changes by the sides' share of its differences to its neighbors, and stays within
+    // a byte. Empty for all other kernels.
+    McDArray<std::int16_t> blur;
 };
 
 Kernel kernel;
@@ -63,30 +64,30 @@ std::int64_t sumOfSides(const McDArray<std::int64_t>& taps)
     return sum;
 }
 
-McDArray<std::uint16_t> blurTaps(const McDArray<std::int64_t>& taps)
+McDArray<std::int16_t> blurTaps(const McDArray<std::int64_t>& taps)
 {
-    std::int64_t sum = taps[0] + sumOfSides(taps);
-    for (std::int64_t tap : taps)
-        if (tap < 0 || tap >= kOne) sum = kOne + 1;
-    if (sum > kOne || taps.size() > kWidestMargin + 1) return {};
-    McDArray<std::uint16_t> result;
-    for (std::int64_t tap : taps) result.append(static_cast<std::uint16_t>(tap));
-    while (result.size() == 1 || (result.size() - 1) % kGroup != 0) result.append(0);
+    McDArray<std::int16_t> result;
+    if (taps.size() < 2 || taps[0] < 0 || taps[0] + sumOfSides(taps) != kOne) return {};
+    for (std::int64_t tap : taps) {
+        if (tap < 0 || (tap >= kOne / 2 && result.size() > 0)) return {};
+        result.append(static_cast<std::int16_t>(tap)); // that of the centre is not looked at
+    }
     return result;
 }
 
-// A sum of products in 24 bits, in three fields of 16 bits with 8 bits of it each: twice as many of them fit
-// into a vector as of fields of 32 bits, and the upper half of a field takes the carries of a whole group.
+// A sum of products in three fields of 16 bits, the lower two with 8 bits of it each: twice as many of them
+// fit into a vector as of fields of 32 bits, and their upper halves take the carries of a whole group.
 struct Sum
 {
-    std::uint16_t low = 0, middle = 128, high = 0; // a half in 1/65536, for the rounding
+    std::uint16_t low = 0, middle = 128; // a half in 1/65536, for the rounding
+    std::int16_t high = 0;
 
-    void add(std::uint16_t sample, std::uint16_t tap)
+    void add(std::int16_t difference, std::int16_t tap)
     {
-        const auto product = static_cast<std::uint16_t>(sample * tap);
+        const auto product = static_cast<std::uint16_t>(difference * tap);
         low += product & 255;
         middle += product >> 8;
-        high += static_cast<std::uint16_t>(std::uint32_t(sample) * tap >> 16);
+        high += static_cast<std::int16_t>(difference * tap >> 16);
     }
     void carry()
     {
@@ -99,20 +100,21 @@ struct Sum
 
 struct Sums
 {
-    std::uint16_t low[kBlock], middle[kBlock], high[kBlock];
+    std::uint16_t low[kBlock], middle[kBlock];
+    std::int16_t high[kBlock];
 };
 
-// Adds the samples under the taps first to first + kGroup - 1; the first group also those of the centre. The
-// last group turns the sums into bytes.
-template <bool isFirst, bool isLast>
-inline __attribute__((always_inline)) void addGroup(const Neighbors& at, long from, const std::uint16_t* taps,
+// Adds the samples under `size` taps from `first` on; the first group also those of the centre. The last
+// group turns the sums into bytes.
+template <int size, bool isFirst, bool isLast>
+inline __attribute__((always_inline)) void addGroup(const Neighbors& at, long from, const std::int16_t* taps,
                                                     int first, Sums& sums, unsigned char* __restrict out,
                                                     int n)
 {
     const unsigned char* center = at.before[0] + from;
-    const unsigned char *before[kGroup], *after[kGroup];
-    std::uint16_t tap[kGroup];
-    for (int t = 0; t < kGroup; t++) {
+    const unsigned char *before[size], *after[size];
+    std::int16_t tap[size];
+    for (int t = 0; t < size; t++) {
         before[t] = at.before[first + t] + from;
         after[t] = at.after[first + t] + from;
         tap[t] = taps[first + t];
@@ -120,16 +122,16 @@ inline __attribute__((always_inline)) void addGroup(const Neighbors& at, long fr
     for (int i = 0; i < n; i++) {
         Sum sum;
         if (isFirst)
-            sum.add(center[i], taps[0]);
+            sum.high = center[i];
         else
             sum = {sums.low[i], sums.middle[i], sums.high[i]};
-        for (int t = 0; t < kGroup; t++)
-            sum.add(static_cast<std::uint16_t>(before[t][i] + after[t][i]), tap[t]);
+        for (int t = 0; t < size; t++)
+            sum.add(static_cast<std::int16_t>(before[t][i] + after[t][i] - 2 * center[i]), tap[t]);
         sum.carry();
         if (isLast) {
-            // Never more than 255. The compiler does not know, and would add the fields as bytes, which costs
-            // more than it saves.
-            out[i] = static_cast<unsigned char>(std::min<std::uint16_t>(sum.high, 255));
+            // Always a byte. The compiler does not know, and would add the fields as bytes, which costs more
+            // than it saves.
+            out[i] = static_cast<unsigned char>(std::clamp<std::int16_t>(sum.high, 0, 255));
         } else {
             sums.low[i] = sum.low;
             sums.middle[i] = sum.middle;
@@ -138,17 +140,29 @@ inline __attribute__((always_inline)) void addGroup(const Neighbors& at, long fr
     }
 }
 
+// The last group, which may be smaller than the others.
+template <bool isFirst>
+inline __attribute__((always_inline)) void addLastGroup(const Neighbors& at, long from,
+                                                        const std::int16_t* taps, int first, int size,
+                                                        Sums& sums, unsigned char* out, int n)
+{
+    if (size == 1) return addGroup<1, isFirst, true>(at, from, taps, first, sums, out, n);
+    if (size == 2) return addGroup<2, isFirst, true>(at, from, taps, first, sums, out, n);
+    addGroup<3, isFirst, true>(at, from, taps, first, sums, out, n);
+}
+
 // Samples [from, from + n), at most a block, with a kernel that blurs.
 MC_TARGET_CLONES
-void blurBlock(const Neighbors& at, long from, const std::uint16_t* taps, int numTaps, unsigned char* out,
+void blurBlock(const Neighbors& at, long from, const std::int16_t* taps, int numTaps, unsigned char* out,
                int n)
 {
     Sums sums;
-    if (numTaps <= 1 + kGroup) return addGroup<true, true>(at, from, taps, 1, sums, out, n);
-    const int last = numTaps - kGroup;
-    addGroup<true, false>(at, from, taps, 1, sums, out, n);
-    for (int t = 1 + kGroup; t < last; t += kGroup) addGroup<false, false>(at, from, taps, t, sums, out, n);
-    addGroup<false, true>(at, from, taps, last, sums, out, n);
+    if (numTaps <= 1 + kGroup) return addLastGroup<true>(at, from, taps, 1, numTaps - 1, sums, out, n);
+    addGroup<kGroup, true, false>(at, from, taps, 1, sums, out, n);
+    int first = 1 + kGroup;
+    for (; first + kGroup < numTaps; first += kGroup)
+        addGroup<kGroup, false, false>(at, from, taps, first, sums, out, n);
+    addLastGroup<false>(at, from, taps, first, numTaps - first, sums, out, n);
 }
 
 unsigned char rounded(std::int64_t sum)
@@ -170,12 +184,6 @@ void filterBlock(const Neighbors& at, long from, const std::int64_t* taps, int n
         for (int i = 0; i < n; i++) sums[i] += taps[t] * (before[i] + after[i]);
     }
     for (int i = 0; i < n; i++) out[i] = rounded(sums[i]);
-}
-
-// Taps that fill up the last group of a blur weigh nothing, but what they read must be there.
-void fillUpGroup(Neighbors& at)
-{
-    for (int t = kernel.taps.size(); t < kernel.blur.size(); t++) at.before[t] = at.after[t] = at.before[0];
 }
 
 void filter(const Neighbors& at, long from, unsigned char* out, int n)
@@ -259,7 +267,6 @@ void fastconv(const unsigned char* in, int count, int stride, unsigned char* out
         at.before[t] = window + margin - t;
         at.after[t] = window + margin + t;
     }
-    fillUpGroup(at);
     for (long first = 0; first < count; first += kBlock) {
         const int n = int(std::min(long(kBlock), count - first));
         gather(in, count, stride, first - margin, n + 2 * margin, window);
@@ -290,7 +297,6 @@ void fastconvColumns(const unsigned char* in, int width, int height, long stride
             at.before[t] = row(y - t);
             at.after[t] = row(y + t);
         }
-        fillUpGroup(at);
         for (int x = 0; x < width; x += kBlock)
             filter(at, x, out + y * outStride + x, std::min(kBlock, width - x));
     }
