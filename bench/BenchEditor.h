@@ -15,6 +15,7 @@
 class BenchEditor
 {
 public:
+    /// `size` voxels along each side.
     explicit BenchEditor(unsigned long size) : BenchEditor(size, size, size) {}
     BenchEditor(unsigned long nx, unsigned long ny, unsigned long nz)
         : dims{nx, ny, nz}, field(new HxUniformLabelField3(dims))

@@ -5,6 +5,7 @@
 #include "core/GiNotice.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
+#include "tools/GiBlowTool.h"
 #include "tools/GiBrush.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiLasso.h"
@@ -28,6 +29,7 @@ void Gi::createTools()
     tools[GiLasso::kIndex] = new GiLasso(this);
     tools[GiMagicWand::kIndex] = new GiMagicWand(this);
     tools[GiThreshold::kIndex] = new GiThreshold(this);
+    tools[GiBlowTool::kIndex] = new GiBlowTool(this);
     panTool = tools[GiPanTool::kIndex] = new GiPanTool(this);
     for (int i = 0; i < kNumTools; ++i)
         if (tools[i]) tools[i]->ref();
