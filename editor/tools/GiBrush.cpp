@@ -154,16 +154,16 @@ void GiBrush::finishInteraction(GiFrameBuffer* frameBuffer, McEvent* event)
 /// changed  data pixels of the viewer with the pointer
 void GiBrush::repaintViewers(const McBox2i& changed)
 {
-    // The outlines of the selection's neighbours change with it.
-    const McBox2i touched(changed.xmin - 1, changed.ymin - 1, changed.xmax + 1, changed.ymax + 1);
     for (int i = 0; i < gi->viewers.size(); ++i) {
         GiViewer* shown = gi->viewers[i];
         GiFrameBuffer* buffer = shown->getFrameBuffer();
         if (!buffer || !isVisible(*shown) || (shown != viewer && !drawing)) continue;
-        McBox2i part = touched;
-        if (shown != viewer) gi->projectBox(viewer, shown, touched, part);
+        McBox2i part = changed;
+        if (shown != viewer) gi->projectBox(viewer, shown, changed, part);
         if (part.isEmpty()) continue;
-        const McBox2i screen = buffer->screenBox(part);
+        // The outlines of the selection's neighbours change with it, in every viewer on both sides.
+        const McBox2i screen =
+            buffer->screenBox(McBox2i(part.xmin - 1, part.ymin - 1, part.xmax + 1, part.ymax + 1));
         buffer->render(screen, nullptr);
         buffer->paste(screen);
     }

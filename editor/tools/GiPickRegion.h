@@ -59,7 +59,7 @@ private:
 
     void pick(GiFrameBuffer& frameBuffer, const McEvent& event);
     void pickInSlice(GiFrameBuffer& frameBuffer, const McVec2i& pixel, const McEvent& event);
-    void pickInVolume(const McVec3i& voxel, const McEvent& event);
+    void pickInVolume(const McEvent& event);
 
     void startDrag(GiFrameBuffer& frameBuffer, const McEvent& event, int button);
     int handleEventTranslate(GiFrameBuffer* frameBuffer, McEvent* event);

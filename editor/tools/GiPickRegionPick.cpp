@@ -109,11 +109,10 @@ void copyBuffer3D(McBitfield& selection, const McBitfield& bits, bool set)
 void GiPickRegion::pick(GiFrameBuffer& frameBuffer, const McEvent& event)
 {
     const McVec2i pixel(frameBuffer.dataColumn(event.x), frameBuffer.dataRow(event.y));
-    const McVec3i voxel = gi->getPoint3D(pixel.x, pixel.y, frameBuffer.viewer);
-    if (!gi->selection->contains(voxel.x, voxel.y, voxel.z)) return;
+    if (!gi->selection->contains(pressVoxel.x, pressVoxel.y, pressVoxel.z)) return;
     const bool volume = inAllSlices();
     if (volume)
-        pickInVolume(voxel, event);
+        pickInVolume(event);
     else
         pickInSlice(frameBuffer, pixel, event);
     gi->updateSelectionBoxes();
@@ -142,14 +141,14 @@ void GiPickRegion::pickInSlice(GiFrameBuffer& frameBuffer, const McVec2i& pixel,
         selection.setSelectionBox(box);
 }
 
-void GiPickRegion::pickInVolume(const McVec3i& voxel, const McEvent& event)
+void GiPickRegion::pickInVolume(const McEvent& event)
 {
     const GiBusy busy;
     const unsigned long* size = gi->selection->dims;
     const LabelVolume labels(static_cast<unsigned char*>(gi->labelSlices.data()), static_cast<int>(size[0]),
                              static_cast<int>(size[1]), static_cast<int>(size[2]));
     McBitfield bits;
-    markRegion(labels, voxel, takesWholeLabel(), bits);
+    markRegion(labels, pressVoxel, takesWholeLabel(), bits);
     gi->saveUndoInformationForVolume(1, 0, nullptr); // selection, not labels
     if (event.shift || event.ctrl)
         copyBuffer3D(gi->selection->bits, bits, !event.ctrl);

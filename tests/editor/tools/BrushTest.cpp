@@ -266,6 +266,17 @@ TEST_F(Brush, controlErasesFromWhereItIsHeld)
     EXPECT_EQ(editor.gi.undoActions.size(), 1);
 }
 
+TEST_F(Brush, otherViewersShowTheNewOutlinesOfItsNeighbours)
+{
+    editor.viewer(0).setSlice(5, false);
+    editor.viewer(1).setSlice(5, false);
+    editor.gi.invertSelection(1);
+    ctrl = true;
+    press(22, 22); // pixel (5, 5); send() compares the pictures
+    drag(22, 60);
+    release(22, 60);
+}
+
 TEST_F(Brush, aPolygonIsDrawnWhenTheButtonIsReleasedWithoutAlt)
 {
     press(2, 2, true);
