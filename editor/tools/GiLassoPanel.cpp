@@ -62,7 +62,7 @@ void GiLasso::createWidget(QWidget* parent)
     traceEdgesBox->setChecked(!neuroTraceMode);
     traceEdgesBox->setToolTip("Clings to edges; else to bright lines");
     grid->addWidget(autoTraceBox, 2, 1);
-    grid->addWidget(traceEdgesBox, 2, 2);
+    grid->addWidget(traceEdgesBox, 2, 2, 1, 2); // its text is wider than the shapes above
     grid->setColumnStretch(kSpareColumn, 10);
     grid->setRowStretch(grid->rowCount(), 1);
     enableBoxes();
