@@ -115,11 +115,13 @@ void GiLasso::appendPoint(const GiFrameBuffer& buffer, const McVec2i& at)
 /// Selects the outline, which is gone afterwards, also if there is no memory for it.
 void GiLasso::finishInteraction(GiFrameBuffer& buffer)
 {
-    if (path.isEmpty()) return;
+    if (path.isEmpty()) {
+        undoStep = nullptr;
+        return;
+    }
     frameBuffer = nullptr;
     path.clear();
     const McDArray<McVec2i> pixels = std::exchange(pathPixels, {});
-    const McHandle<GiAction> step = undoStep; // until the selection is made
     if (buffer.selection && pixels.size() >= kFewestPoints) {
         // Another undo or another slice in mid-gesture: the slice that changes now gets its own step.
         if (!undoStands(*buffer.viewer)) saveUndo(*buffer.viewer);

@@ -149,6 +149,7 @@ private:
     int costSlice = -1; // the slice whose costs the scissors have; -1: to be made anew
     float costWindow[2] = {0, 0};
     McVec2i costSize;
+    const void* costData = nullptr;    // the image's memory at that moment; only compared
     McDArray<unsigned char> costImage; // the scissors read it while they search; the viewer's own may go
     IScissors scissors;
     bool hasTraceEnd = false;

@@ -60,9 +60,10 @@ bool GiLasso::initAutoTracing(GiViewer& viewer)
     viewer.getDataWindow(window[0], window[1]);
     const McVec2i size(static_cast<int>(image->width), static_cast<int>(image->height));
     // kept: the orientation is not compared. Slices of one number and size share their costs, also across
-    // orientations; the boxes of the panel and a change of slice or window renew them.
-    if (viewer.getSlice() == costSlice && std::equal(window, window + 2, costWindow) && size == costSize)
-        return true;
+    // orientations; the boxes of the panel and a change of slice, window or image renew them.
+    const bool isCurrent = viewer.getSlice() == costSlice && std::equal(window, window + 2, costWindow) &&
+                           size == costSize && gi->imageSlices.data() == costData;
+    if (isCurrent) return true;
     costSlice = -1; // in case that memory runs out
     costImage.resize(size.x * size.y);
     std::copy_n(image->grey, costImage.size(), costImage.data());
@@ -71,6 +72,7 @@ bool GiLasso::initAutoTracing(GiViewer& viewer)
     costSlice = viewer.getSlice();
     std::copy_n(window, 2, costWindow);
     costSize = size;
+    costData = gi->imageSlices.data();
     return true;
 }
 

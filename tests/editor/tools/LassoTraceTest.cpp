@@ -194,6 +194,24 @@ TEST_F(LassoTrace, theBoxesRenewTheCosts)
     expectPixels(editor.viewer(2), Pixels(1200), other.polygon(), {}, nullptr);
 }
 
+TEST_F(LassoTrace, anotherImageUnderTheSameLabelsHasItsOwnCosts)
+{
+    traceThreeCorners();
+    send(McLeaveWindowEvent());
+    std::vector<unsigned char> shifted(image.size());
+    for (std::size_t i = 0; i < image.size(); ++i) shifted[i] = image[(i + 3) % image.size()];
+    editor.gi.setVolumeByte(editor.dims, 40, shifted.data(), editor.lattice());
+    editor.gi.setZoomFactor(4);
+    PlainTrace plain(editor.viewer(2), IScissors::kFollowEdges);
+    plain.traceThreeCorners();
+    plain.finish(9, 14);
+    traceThreeCorners();
+    hover(9, 14);
+    press(9, 14, {}, 3);
+    expectPixels(editor.viewer(2), Pixels(1200), plain.polygon(), {}, nullptr);
+    EXPECT_EQ(editor.viewer(2).getSlice(), 3) << "or the slice would have renewed them";
+}
+
 // kept: see GiLasso::initAutoTracing.
 TEST(LassoTraceCosts, slicesOfOneNumberAndSizeShareTheirCosts)
 {
