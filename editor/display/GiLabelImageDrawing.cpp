@@ -9,6 +9,8 @@
 #include "mc/McEvent.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -60,17 +62,30 @@ public:
             for (int i = 0; i < n; ++i) buffer[i] = selection.isSet(x0 + i, y);
             return buffer;
         }
-        std::fill_n(buffer, n, 0);
         const unsigned long first = static_cast<unsigned long>(y) * selection.yStride +
                                     static_cast<unsigned long>(x0) + selection.offset;
-        const unsigned long end = first + static_cast<unsigned long>(n);
         const unsigned int* words = selection.bits->words();
-        for (unsigned long i = giFindSet(words, first, end); i < end; i = giFindSet(words, i + 1, end))
-            buffer[i - first] = 1;
+        for (int i = 0; i < n; i += 64) {
+            const int left = std::min(n - i, 64);
+            std::uint64_t bits =
+                giLoadBits(words, first + static_cast<unsigned long>(i), static_cast<unsigned long>(left));
+            for (int k = 0; k < left; k += 8, bits >>= 8) {
+                const std::uint64_t bytes = bytesOf(bits & 255);
+                std::memcpy(buffer + i + k, &bytes, static_cast<std::size_t>(std::min(left - k, 8)));
+            }
+        }
         return buffer;
     }
 
 private:
+    /// Eight bits as eight bytes of 0 or 1, the lowest one first.
+    static std::uint64_t bytesOf(std::uint64_t bits)
+    {
+        // Each byte keeps the bit that is its own, and carries it to its top.
+        const std::uint64_t own = (bits * 0x0101010101010101u) & 0x8040201008040201u;
+        return ((own + 0x7F7F7F7F7F7F7F7Fu) >> 7) & 0x0101010101010101u;
+    }
+
     const GiSelection2D& selection;
 };
 
