@@ -1,6 +1,7 @@
 #include "core/GiRowFill.h"
 
 #include "core/GiBitRows.h"
+#include "core/GiRunSpread.h"
 #include "mc/McProgressInterface.h"
 
 #include <algorithm>
@@ -13,26 +14,6 @@ namespace {
 constexpr int kNoWord = std::numeric_limits<int>::max();
 constexpr unsigned long kLooksBetweenPolls = 1024; // about a millisecond in rows of 512 voxels
 constexpr unsigned long kPlanesKept = 4;           // a look reaches into both neighbouring planes
-
-/// Spreads bits upwards along the runs of `open`: an addition carries each bit to the end of its
-/// run. `carry` comes from the word below and goes to the word above.
-std::uint64_t spreadUp(std::uint64_t open, std::uint64_t bits, std::uint64_t& carry)
-{
-    const std::uint64_t part = open + bits;
-    const std::uint64_t sum = part + carry;
-    carry = static_cast<std::uint64_t>(part < open) | static_cast<std::uint64_t>(sum < part);
-    return (open & ~sum) | bits;
-}
-
-/// Spreads bits downwards along the runs of `open`, in steps that double.
-std::uint64_t spreadDown(std::uint64_t open, std::uint64_t bits)
-{
-    for (int step = 1; step < 64; step *= 2) {
-        bits |= open & (bits >> step);
-        open &= open >> step;
-    }
-    return bits;
-}
 
 } // namespace
 
@@ -180,14 +161,14 @@ void GiRowFill::spread(long y, long z, const std::uint64_t* open, int firstWord,
     int top = firstWord;
     for (; top < end && (top <= lastWord || carry); ++top) {
         if (top > lastWord) scratch[top] = 0;
-        if (scratch[top] | carry) scratch[top] = spreadUp(open[top], scratch[top], carry);
+        if (scratch[top] | carry) scratch[top] = giSpreadUp(open[top], scratch[top], carry);
     }
 
     int low = top, high = -1;
     std::uint64_t enters = 0; // from the word above
     for (int i = top - 1; i >= 0 && (i >= firstWord || enters); --i) {
         std::uint64_t bits = (i >= firstWord ? scratch[i] : 0) | (enters & open[i]);
-        if (bits && bits != open[i]) bits = spreadDown(open[i], bits);
+        if (bits && bits != open[i]) bits = giSpreadDown(open[i], bits);
         enters = bits << 63;
         scratch[i] = bits;
         low = i;

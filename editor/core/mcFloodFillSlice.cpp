@@ -2,10 +2,12 @@
 
 #include "core/GiAcceptRow.h"
 #include "core/GiBitRows.h"
-#include "core/GiRowFill.h"
+#include "core/GiSliceFill.h"
 #include "mc/McBitfield.h"
+#include "mc/McDArray.h"
 
 #include <algorithm>
+#include <bit>
 #include <vector>
 
 namespace {
@@ -26,7 +28,7 @@ const T* rowOf(const McData2D<const T>& data, long y, std::vector<T>& gathered)
 }
 
 template <class T>
-GiRowFill::AcceptRow rowTest(const McFillSlice<T>& slice)
+GiSliceFill::AcceptRow rowTest(const McFillSlice<T>& slice)
 {
     const auto width = static_cast<unsigned long>(slice.values.width()), words = (width + 63) / 64;
     return [=, flags = std::vector<unsigned char>(64 * words), values = std::vector<T>(),
@@ -41,7 +43,7 @@ GiRowFill::AcceptRow rowTest(const McFillSlice<T>& slice)
 }
 
 /// All pixels of the outermost rows and columns, as far as they are accepted.
-void addBorderSeeds(GiRowFill& fill, unsigned long width, unsigned long height)
+void addBorderSeeds(GiSliceFill& fill, unsigned long width, unsigned long height)
 {
     const unsigned long last = width - 1;
     for (unsigned long y = 0; y < height; ++y) {
@@ -67,17 +69,13 @@ int mcFloodFillSlice(const McFillSlice<T>& slice, int x, int y, McBitfield& mark
     box[1] = box[3] = y;
     if (x < 0 || y < 0 || x >= slice.values.width() || y >= slice.values.height()) return 0;
 
-    const unsigned long dims[3] = {width, height, 1};
-    GiRowFill fill(dims, marks, rowTest(slice));
+    GiSliceFill fill(width, height, rowTest(slice));
     const auto column = static_cast<unsigned long>(x);
     fill.addSeeds(static_cast<unsigned long>(y), column / 64, std::uint64_t{1} << (column % 64));
-    long bounds[6] = {x, y, 0, x, y, 0};
-    const auto count = static_cast<int>(fill.fill(bounds));
-    for (int i = 0; i < 2; ++i) {
-        box[i] = static_cast<int>(bounds[i]);
-        box[i + 2] = static_cast<int>(bounds[i + 3]);
-    }
-    return count;
+    fill.fill();
+    fill.copyTo(marks);
+    fill.bounds(box);
+    return static_cast<int>(fill.count());
 }
 
 void mcFillInterior(McBitfield& bits, int width, const int* box)
@@ -94,16 +92,20 @@ void mcFillInterior(McBitfield& bits, int width, const int* box)
             clear[i / 64] = ~giLoadBits(bits.words(), firstOf(row) + i, n) & (~std::uint64_t{0} >> (64 - n));
         }
     };
-    const unsigned long dims[3] = {columns, rows, 1};
-    McBitfield outside(columns * rows);
-    GiRowFill fill(dims, outside, clearPixels);
-    addBorderSeeds(fill, columns, rows);
-    long bounds[6] = {0, 0, 0, 0, 0, 0};
-    fill.fill(bounds);
+    GiSliceFill outside(columns, rows, clearPixels);
+    addBorderSeeds(outside, columns, rows);
+    outside.fill();
 
-    outside.toggleAll(); // region and holes
-    for (unsigned long row = 0; row < rows; ++row)
-        giOrBits(bits.words(), firstOf(row), outside.words(), row * columns, columns);
+    McDArray<std::uint64_t> clear(static_cast<int>((columns + 63) / 64));
+    for (unsigned long row = 0; row < rows; ++row) {
+        clearPixels(row, clear.data());
+        const std::uint64_t* reached = outside.reachedIn(row);
+        for (unsigned long i = 0; i < columns; i += 64) {
+            std::uint64_t holes = clear[static_cast<int>(i / 64)] & ~reached[i / 64];
+            for (; holes != 0; holes &= holes - 1)
+                bits.set(firstOf(row) + i + static_cast<unsigned long>(std::countr_zero(holes)));
+        }
+    }
 }
 
 template int mcFloodFillSlice(const McFillSlice<unsigned char>&, int, int, McBitfield&, int*);

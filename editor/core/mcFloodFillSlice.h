@@ -26,7 +26,7 @@ struct McFillSlice
 ///          seed's coordinates only
 /// throws   McMemoryException
 ///
-/// Rows are tested as a whole and filled by word operations, as in mcFloodFillWindow.
+/// Rows are tested as a whole and filled by word operations, see GiSliceFill.
 template <class T>
 int mcFloodFillSlice(const McFillSlice<T>& slice, int x, int y, McBitfield& marks, int* box);
 

@@ -57,13 +57,21 @@ std::optional<Range<T>> sliceRange(float min, float max)
 /// Sets or clears in the selection what is marked in the box of a slice.
 void changePixels(GiSelection2D& selection, const McBitfield& marks, const McBox2i& box, bool set)
 {
-    const auto n = static_cast<unsigned long>(box.width());
+    const auto n = static_cast<unsigned long>(box.width()), column = static_cast<unsigned long>(box.xmin);
+    const auto change = [set](unsigned int& word, unsigned int bits, unsigned int) {
+        word = set ? word | bits : word & ~bits;
+    };
     McDArray<unsigned int> row(static_cast<int>((n + 31) / 32));
     for (int y = box.ymin; y <= box.ymax; ++y) {
-        const unsigned long first =
-            static_cast<unsigned long>(y) * selection.width + static_cast<unsigned long>(box.xmin);
-        giCopyBits(row.data(), 0, marks.words(), first, n);
-        giChangeRow(selection, box.xmin, y, row.data(), n, set);
+        const unsigned long first = static_cast<unsigned long>(y) * selection.width + column;
+        if (selection.xStride == 1) {
+            giCombineBits(selection.bits->words(),
+                          static_cast<unsigned long>(y) * selection.yStride + column + selection.offset,
+                          marks.words(), first, n, change);
+        } else {
+            giCopyBits(row.data(), 0, marks.words(), first, n);
+            giChangeRow(selection, box.xmin, y, row.data(), n, set);
+        }
     }
 }
 
@@ -161,14 +169,18 @@ int GiMagicWand::grow2D(McBitfield& bits, McBox2i& box, const MagicWandSeed& see
     int size[3];
     gi->imageSlices.getDims(size, orientation);
     box = McBox2i(x, y, x, y);
-    bits.resize(0); // fresh memory comes cleared
-    bits.resize(static_cast<unsigned long>(size[0]) * static_cast<unsigned long>(size[1]));
-    if (!gi->imageSlices.data() || !gi->selection->contains(seed.x, seed.y, seed.z)) return 0;
+    bits.resize(0);
+    const auto numBits = static_cast<unsigned long>(size[0]) * static_cast<unsigned long>(size[1]);
+    if (!gi->imageSlices.data() || !gi->selection->contains(seed.x, seed.y, seed.z)) {
+        bits.resize(numBits);
+        return 0;
+    }
 
     int bounds[4] = {x, y, x, y};
     int numPixels = 0;
     giDispatchImage(gi->primType, gi->imageSlices.data(),
                     [&](const auto* values) { numPixels = markSlice(values, seed, bits, bounds); });
+    bits.resize(numBits); // for a window that holds nothing
     if (numPixels > 0 && seed.fillInterior) mcFillInterior(bits, size[0], bounds);
     box = McBox2i(bounds[0], bounds[1], bounds[2], bounds[3]);
     return numPixels;
