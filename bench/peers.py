@@ -126,6 +126,28 @@ class FillOutside(FillHoles):
         self.filled = pieces != pieces[0, 0, 0]
 
 
+class Label:
+    """SciPy: all 6-connected components of a window of values, and the one that holds the seed."""
+
+    def __init__(self, image, x, y, z, low, high):
+        from scipy import ndimage
+
+        self.label = ndimage.label
+        self.image = np.fromfile(image, np.uint8).reshape(size, size, size)
+        self.seed = (int(z), int(y), int(x))
+        self.low, self.high = int(low), int(high)
+
+    def prepare(self):
+        self.mask = None
+
+    def run(self):
+        pieces, _ = self.label((self.image >= self.low) & (self.image <= self.high))
+        self.mask = pieces == pieces[self.seed]
+
+    def result(self):
+        return np.packbits(self.mask.ravel(), bitorder="little")
+
+
 class Lookup:
     """Slices through the window of a grey display, one pixel of 32 bits each; the walk is that of SliceWalk.
 
@@ -219,6 +241,7 @@ KINDS = {
     "flood": Flood,
     "fill": FillHoles,
     "outside": FillOutside,
+    "label": Label,
     "lookup": Lookup,
     "route": Route,
 }
