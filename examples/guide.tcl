@@ -30,9 +30,24 @@ gi selectMaterial2 37
 view 2 event move 64 106
 windowSnapshot $out/window.png
 
-# A stroke of the brush in an axial slice, as the mouse would draw it.
+# The magic wand in a ventricle, held off the other one by a limit line.
 segment [newLabels $image] $image
 view 2 event key 6
+view 2 slice 90
+view 2 size 420 420
+gi setToolDataWindow 5 75
+view 2 event key l
+view 2 event press 92 94
+foreach {i j} {94 101 96 111 93 121 90 134 90 146} { view 2 event move $i $j left }
+view 2 event release 90 146
+view 2 event move 113 87
+view 2 event press 113 87
+view 2 event release 113 87
+view 2 event leave
+view 2 snapshot $out/wand.png
+
+# A stroke of the brush in an axial slice, as the mouse would draw it.
+segment [newLabels $image] $image
 view 2 slice 58
 view 2 size 420 420
 view 2 event key 1
