@@ -104,3 +104,14 @@ play {move 74 146} {press 74 146} {release 74 146} {move 89 139}
 view 2 snapshot $out/lasso-trace.png
 play leave
 tool 2 widget wAutoTraceCheckBox 0
+
+# A curve is blown up from the middle of the midbrain, and the button still held.
+segment [newLabels $image] $image
+view 2 slice 58
+view 2 zoom 2
+view 2 size 420 420
+view 2 event key 5
+tool 5 widget wToleranceEdit 25
+play {press 90 110} {move 105 110}
+view 2 snapshot $out/blow.png
+play {release 105 110}
