@@ -73,8 +73,13 @@ inline void giCombineBits(unsigned int* target, unsigned long first, const unsig
 inline void giCopyBits(unsigned int* target, unsigned long first, const unsigned int* source,
                        unsigned long sourceFirst, unsigned long count)
 {
+    unsigned long done = 0;
+    if (first % 32 == 0 && sourceFirst % 32 == 0) { // rows of common images lie so
+        std::copy_n(source + sourceFirst / 32, count / 32, target + first / 32);
+        done = count / 32 * 32;
+    }
     giCombineBits(
-        target, first, source, sourceFirst, count,
+        target, first + done, source, sourceFirst + done, count - done,
         [](unsigned int& word, unsigned int bits, unsigned int mask) { word = (word & ~mask) | bits; });
 }
 

@@ -54,9 +54,29 @@ std::optional<Range<T>> sliceRange(float min, float max)
     return elementRange<T>(min, max);
 }
 
+MC_TARGET_CLONES
+void addWords(McBitfield::Word64* words, const McBitfield::Word64* marks, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; ++i) words[i] |= marks[i];
+}
+
+MC_TARGET_CLONES
+void removeWords(McBitfield::Word64* words, const McBitfield::Word64* marks, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; ++i) words[i] &= ~marks[i];
+}
+
 /// Sets or clears in the selection what is marked in the box of a slice.
 void changePixels(GiSelection2D& selection, const McBitfield& marks, const McBox2i& box, bool set)
 {
+    if (selection.xStride == 1 && selection.yStride == selection.width && selection.offset % 64 == 0) {
+        // The slice lies in the volume as it lies in the marks, which have no bit outside the box.
+        const unsigned long first = static_cast<unsigned long>(box.ymin) * selection.width / 64,
+                            end = (static_cast<unsigned long>(box.ymax + 1) * selection.width + 63) / 64;
+        (set ? addWords : removeWords)(selection.bits->words64() + selection.offset / 64 + first,
+                                       marks.words64() + first, end - first);
+        return;
+    }
     const auto n = static_cast<unsigned long>(box.width()), column = static_cast<unsigned long>(box.xmin);
     const auto change = [set](unsigned int& word, unsigned int bits, unsigned int) {
         word = set ? word | bits : word & ~bits;
@@ -73,18 +93,6 @@ void changePixels(GiSelection2D& selection, const McBitfield& marks, const McBox
             giChangeRow(selection, box.xmin, y, row.data(), n, set);
         }
     }
-}
-
-MC_TARGET_CLONES
-void addWords(McBitfield::Word64* words, const McBitfield::Word64* marks, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i) words[i] |= marks[i];
-}
-
-MC_TARGET_CLONES
-void removeWords(McBitfield::Word64* words, const McBitfield::Word64* marks, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i) words[i] &= ~marks[i];
 }
 
 /// The same for a volume; no bit outside the box is set in `marks`.
