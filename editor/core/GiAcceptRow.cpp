@@ -88,3 +88,24 @@ void giPackAccepted(const unsigned char* accepted, unsigned long n, std::uint64_
         words[i] = word;
     }
 }
+
+void giAcceptWindowBits(const float* values, unsigned long n, float min, float max, std::uint64_t* words)
+{
+    unsigned long i = 0;
+#if defined(__SSE2__)
+    const __m128 low = _mm_set1_ps(min), high = _mm_set1_ps(max);
+    for (; i + 64 <= n; i += 64) {
+        std::uint64_t word = 0;
+        for (unsigned long k = 0; k < 64; k += 4) {
+            const __m128 four = _mm_loadu_ps(values + i + k);
+            const __m128 inside = _mm_and_ps(_mm_cmpge_ps(four, low), _mm_cmple_ps(four, high));
+            word |= static_cast<std::uint64_t>(static_cast<unsigned int>(_mm_movemask_ps(inside))) << k;
+        }
+        words[i / 64] = word;
+    }
+#endif
+    for (; i < n; ++i) {
+        if (i % 64 == 0) words[i / 64] = 0;
+        if (values[i] >= min && values[i] <= max) words[i / 64] |= std::uint64_t{1} << (i % 64);
+    }
+}

@@ -23,3 +23,7 @@ void giRefuseOtherLabels(const unsigned char* labels, unsigned long n, unsigned 
 
 /// Packs 64 * n acceptances into n words, the first one lowest.
 void giPackAccepted(const unsigned char* accepted, unsigned long n, std::uint64_t* words);
+
+/// Both steps in one, for floats: bit i of the words tells whether min <= values[i] <= max. Bits beyond n are
+/// 0. Without bytes in between the loop keeps up with the memory.
+void giAcceptWindowBits(const float* values, unsigned long n, float min, float max, std::uint64_t* words);

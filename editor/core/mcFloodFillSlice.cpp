@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -34,7 +35,14 @@ GiSliceFill::AcceptRow rowTest(const McFillSlice<T>& slice)
     return [=, flags = std::vector<unsigned char>(64 * words), values = std::vector<T>(),
             labels = std::vector<unsigned char>()](unsigned long row, std::uint64_t* accepted) mutable {
         const auto y = static_cast<long>(row);
-        giAcceptWindow(rowOf(slice.values, y, values), width, slice.min, slice.max, flags.data());
+        const T* elements = rowOf(slice.values, y, values);
+        if constexpr (std::is_same_v<T, float>) {
+            if (!slice.labels.data()) {
+                giAcceptWindowBits(elements, width, slice.min, slice.max, accepted);
+                return;
+            }
+        }
+        giAcceptWindow(elements, width, slice.min, slice.max, flags.data());
         if (slice.labels.data())
             giRefuseOtherLabels(rowOf(slice.labels, y, labels), width,
                                 static_cast<unsigned char>(slice.label), flags.data());

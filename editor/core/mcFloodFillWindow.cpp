@@ -6,6 +6,8 @@
 #include "mc/McBitfield.h"
 #include "mc/McDArray.h"
 
+#include <type_traits>
+
 namespace {
 
 bool isInside(const unsigned long* dims, long x, long y, long z)
@@ -21,6 +23,12 @@ GiRowFill::AcceptRow rowTest(const McFillWindow<T>& window, unsigned long nx)
     const unsigned long words = (nx + 63) / 64;
     bytes.resize(static_cast<int>(words * 64)); // beyond the row: refused
     return [window, nx, words, bytes](unsigned long row, std::uint64_t* accepted) mutable {
+        if constexpr (std::is_same_v<T, float>) {
+            if (!window.labels || window.label < 0) {
+                giAcceptWindowBits(window.values + row * nx, nx, window.min, window.max, accepted);
+                return;
+            }
+        }
         giAcceptWindow(window.values + row * nx, nx, window.min, window.max, bytes.data());
         if (window.labels && window.label >= 0)
             giRefuseOtherLabels(window.labels + row * nx, nx, static_cast<unsigned char>(window.label),
