@@ -13,8 +13,6 @@
 #include "mc/McEvent.h"
 #include "mc/McHandle.h"
 
-#include <cmath>
-
 namespace {
 
 using Key = McKeyboardEvent;

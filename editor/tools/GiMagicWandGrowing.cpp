@@ -109,6 +109,13 @@ void changeVoxels(GiSelection3D& selection, const McBitfield& marks, const int* 
                                    last - first + 1);
 }
 
+/// Whether two seeds of a slice, one in the region of the other, have the same region.
+bool hasSameLimits(const MagicWandSeed& a, const MagicWandSeed& b)
+{
+    return a.min == b.min && a.max == b.max && a.sameMaterial == b.sameMaterial && !a.fillInterior &&
+           !b.fillInterior;
+}
+
 /// True while it lives.
 class Running
 {
@@ -232,13 +239,22 @@ void GiMagicWand::lockInactiveSeeds(GiSelection2D& selection)
     const GiViewer* viewer = gi->getCurrentViewer();
     if (!viewer) return;
     const int orientation = viewer->getOrientation();
+    const auto width = static_cast<unsigned long>(gi->selection->getWidth(orientation));
     McBitfield bits;
     McBox2i box;
+    const MagicWandSeed* grown = nullptr; // the seed whose region is in `bits`
     for (int i = 0; i < seeds.size(); ++i) {
         const MagicWandSeed& seed = seeds[i];
         if (i == currentSeed || seed.is3D || seed.orientation != orientation || !isShown(seed, *viewer))
             continue;
-        if (grow2D(bits, box, seed) > 0 && bits.numBits() == selection.width * selection.height)
+        // A file may hold thousands of seeds in one region; it is grown once.
+        const McVec2i pixel(seed.coordinate(giWidthAxis(orientation)),
+                            seed.coordinate(giHeightAxis(orientation)));
+        if (grown && hasSameLimits(*grown, seed) && box.contains(pixel.x, pixel.y) &&
+            bits.isSet(static_cast<unsigned long>(pixel.y) * width + static_cast<unsigned long>(pixel.x)))
+            continue;
+        grown = grow2D(bits, box, seed) > 0 ? &seed : nullptr;
+        if (grown && bits.numBits() == selection.width * selection.height)
             changePixels(selection, bits, box, false);
     }
 }

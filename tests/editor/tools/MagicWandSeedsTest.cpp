@@ -352,6 +352,32 @@ TEST_F(MagicWandSeeds, RegionsOfOtherSeedsAreProtected)
     EXPECT_EQ(wand.seeds.size(), 1);
 }
 
+TEST_F(MagicWandSeeds, ManySeedsOfOneRegionAndOthers)
+{
+    struct Place
+    {
+        int x, y;
+        float min, max;
+        bool fillInterior;
+    };
+    // The first two share a region; the third lies in it, but reaches further.
+    const Place places[] = {
+        {5, 1, 2, 2, false}, {6, 2, 2, 2, false}, {7, 2, 2, 3, false}, {6, 3, 4, 4, true}};
+    for (const Place& p : places) {
+        MagicWandSeed seed;
+        seed.orientation = 2;
+        seed.setVoxel(McVec3i(p.x, p.y, 1));
+        seed.min = p.min;
+        seed.max = p.max;
+        seed.fillInterior = p.fillInterior;
+        wand.seeds.append(seed);
+    }
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) editor.gi.selection->set(x, y, 1);
+    wand.lockInactiveSeeds(*editor.viewer(2).getSelection());
+    EXPECT_EQ(rows(), (Rows{"###.....", "###.....", "###.....", "###....."}));
+}
+
 TEST_F(MagicWandSeeds, APickInSpaceGoesToItsSlice)
 {
     editor.gi.selection->sliceFlags[2][3] = 1;
