@@ -131,7 +131,8 @@ inline __attribute__((always_inline)) void addGroup(const Neighbors& at, long fr
         if (isLast) {
             // Always a byte. The compiler does not know, and would add the fields as bytes, which costs more
             // than it saves.
-            out[i] = static_cast<unsigned char>(std::clamp<std::int16_t>(sum.high, 0, 255));
+            const auto value = static_cast<std::uint16_t>(sum.high);
+            out[i] = static_cast<unsigned char>(std::min<std::uint16_t>(value, 255));
         } else {
             sums.low[i] = sum.low;
             sums.middle[i] = sum.middle;
