@@ -22,6 +22,7 @@ namespace {
 using Word = std::uint64_t;
 
 constexpr long kLeastStrip = 256; // words; enough for the loops to run at full speed
+constexpr long kCacheLine = 8;    // words
 
 struct Volume
 {
@@ -40,23 +41,27 @@ struct Volume
         const long period = nx / std::gcd(64l, nx);
         return (kLeastStrip + period - 1) / period * period;
     }
+    long strips() const { return (sliceWords() + stripWords() - 1) / stripWords(); }
     /// So many slices fill whole words, and can be written by different threads.
     long slicesPerBlock() const { return 64 / std::gcd(64l, sliceBits()); }
 };
 
 // Takes n words from bit `at` on. Returns whether a bit of the field, unflipped, is set among them.
 MC_TARGET_CLONES
-bool loadWords(const McBitfield::Word64* field, unsigned long at, long n, Word flip, Word used, Word* words)
+bool loadWords(const McBitfield::Word64* field, unsigned long at, long n, Word flip, Word used,
+               Word* __restrict words)
 {
-    mcLoadBitRow(field, at, n, 0, words);
-    words[n - 1] &= used;
+    const McBitfield::Word64* w = field + at / 64;
+    const int shift = int(at % 64);
     Word any = 0;
-    for (long k = 0; k < n; k++) {
-        any |= words[k];
-        words[k] ^= flip;
+    for (long k = 0; k < n - 1; k++) {
+        const Word word = w[k] >> shift | w[k + 1] << 1 << (63 - shift);
+        any |= word;
+        words[k] = word ^ flip;
     }
-    words[n - 1] &= used;
-    return any != 0;
+    const Word last = (w[n - 1] >> shift | w[n] << 1 << (63 - shift)) & used;
+    words[n - 1] = (last ^ flip) & used;
+    return (any | last) != 0;
 }
 
 // Puts n bits back at bit `at`; those around them stay.
@@ -93,7 +98,7 @@ struct Around
 // One strip of n words. The rows above and below lie a whole number of words away, or not.
 MC_TARGET_CLONES
 void dilateWords(const Around& a, const Word* hasLeft, const Word* hasRight, long nx, long n, Word flip,
-                 Word* out)
+                 McBitfield::Word64* __restrict out)
 {
     const int shift = int(nx % 64), rest = 64 - shift;
     const Word* above = a.rows - nx / 64;
@@ -141,22 +146,34 @@ struct Masks
     McDArray<Word> zeros;
 };
 
-/// One thread's way through a stack of slices, in place: each is written when the one behind it was read.
+/// One thread's way through a stack of slices, in place: each is written while the one behind it is read, so
+/// that memory works while the words are combined.
 class SliceStream
 {
 public:
     // scratch  scratchWords() zeros
     SliceStream(McBitfield& field, const Volume& volume, const Masks& shared, Word* scratch)
-        : bits(field), v(volume), masks(shared), zeros(shared.zeros.data() + v.guard())
+        : bits(field),
+          v(volume),
+          masks(shared),
+          zeros(shared.zeros.data() + v.guard()),
+          sliceWords(v.sliceWords()),
+          stripWords(v.stripWords()),
+          strips(v.strips())
     {
         for (Slice* slice : {&before, &centre, &behind, &halo}) {
             slice->words = scratch + v.guard();
             scratch += v.bufferWords();
+            slice->hasBits = scratch + 1;
+            scratch += v.strips() + 2;
         }
         out = scratch;
     }
 
-    static long scratchWords(const Volume& v) { return 4 * v.bufferWords() + v.stripWords(); }
+    static long scratchWords(const Volume& v)
+    {
+        return 4 * (v.bufferWords() + v.strips() + 2) + v.stripWords();
+    }
 
     // Reads the slices at both ends before other threads change them.
     void begin(long first, long end)
@@ -170,13 +187,13 @@ public:
     void run(long first, long end)
     {
         for (long z = first; z < end; z++) {
-            if (z + 1 < end)
-                load(z + 1, behind);
-            else if (z + 1 < v.nz)
-                std::swap(behind, halo);
-            else
-                behind.isZero = true;
-            if (matters()) write(z);
+            const bool reads = z + 1 < end;
+            if (z + 1 == end) std::swap(behind, halo);
+            behind.isThere = z + 1 < v.nz;
+            for (long strip = 0; strip < strips; strip++) {
+                if (reads) loadStrip(z + 1, strip, behind);
+                if (matters(strip)) write(z, strip);
+            }
             std::swap(before, centre);
             std::swap(centre, behind);
         }
@@ -186,51 +203,70 @@ private:
     struct Slice
     {
         Word* words = nullptr;
-        bool hasBits = false; // of the field
-        bool isZero = true;   // there is no such slice
+        Word* hasBits = nullptr; // of the field, by strip; 0 beside the first and the last
+        bool isThere = false;
     };
 
     void load(long z, Slice& slice) const
     {
-        slice.isZero = false;
-        slice.hasBits = loadWords(bits.words64(), (unsigned long)(z * v.sliceBits()), v.sliceWords(), v.flip,
-                                  mcLastWordMask(v.sliceBits()), slice.words);
+        slice.isThere = true;
+        for (long strip = 0; strip < strips; strip++) loadStrip(z, strip, slice);
+    }
+
+    void loadStrip(long z, long strip, Slice& slice) const
+    {
+        const long k = strip * stripWords;
+        const long n = std::min(stripWords, sliceWords - k);
+        const Word used = k + n < sliceWords ? ~Word(0) : mcLastWordMask(v.sliceBits());
+        prefetch(z * v.sliceBits() + 64 * (k + n));
+        slice.hasBits[strip] = loadWords(bits.words64(), (unsigned long)(z * v.sliceBits() + 64 * k), n,
+                                         v.flip, used, slice.words + k);
+    }
+
+    // Asks for the next strip ahead of its time.
+    void prefetch(long at) const
+    {
+        const long last = long(bits.numWords64());
+        const long end = std::min(at / 64 + stripWords, last);
+        for (long k = at / 64; k < end; k += kCacheLine) __builtin_prefetch(bits.words64() + k);
     }
 
     bool acrossSlices() const { return v.axes & McMorphology::kAlongZ; }
 
     const Word* neighbour(const Slice& slice) const
     {
-        return acrossSlices() && !slice.isZero ? slice.words : zeros;
+        return acrossSlices() && slice.isThere ? slice.words : zeros;
     }
 
-    static bool holds(const Slice& slice) { return !slice.isZero && slice.hasBits; }
-
-    // Nothing can be taken from an empty slice, and nothing grows into it from empty ones.
-    bool matters() const
+    // Nothing can be taken from an empty strip, and nothing grows into it from empty ones.
+    bool matters(long strip) const
     {
-        if (holds(centre)) return true;
-        return !v.flip && acrossSlices() && (holds(before) || holds(behind));
+        const Word* inSlice = centre.hasBits + strip;
+        if (inSlice[0]) return true;
+        if (v.flip) return false;
+        if (inSlice[-1] || inSlice[1]) return true;
+        return acrossSlices() &&
+               ((before.isThere && before.hasBits[strip]) || (behind.isThere && behind.hasBits[strip]));
     }
 
-    void write(long z)
+    void write(long z, long strip)
     {
+        const long k = strip * stripWords;
+        const long n = std::min(stripWords, sliceWords - k);
         const Word* rows = v.axes & McMorphology::kAlongY ? centre.words : zeros;
-        const Word *first = neighbour(before), *last = neighbour(behind);
-        const long strip = v.stripWords();
-        for (long k = 0; k < v.sliceWords(); k += strip) {
-            const long n = std::min(strip, v.sliceWords() - k);
-            dilateWords({centre.words + k, rows + k, first + k, last + k}, masks.hasLeft.data(),
-                        masks.hasRight.data(), v.nx, n, v.flip, out);
-            const auto at = (unsigned long)(z * v.sliceBits() + 64 * k);
-            storeBits(bits.words64(), at, std::min(64 * n, v.sliceBits() - 64 * k), out);
-        }
+        const auto at = (unsigned long)(z * v.sliceBits() + 64 * k);
+        const bool fills = at % 64 == 0 && 64 * (k + n) <= v.sliceBits(); // whole words of the field
+        dilateWords({centre.words + k, rows + k, neighbour(before) + k, neighbour(behind) + k},
+                    masks.hasLeft.data(), masks.hasRight.data(), v.nx, n, v.flip,
+                    fills ? bits.words64() + at / 64 : out);
+        if (!fills) storeBits(bits.words64(), at, std::min(64 * n, v.sliceBits() - 64 * k), out);
     }
 
     McBitfield& bits;
     const Volume& v;
     const Masks& masks;
     const Word* zeros;
+    const long sliceWords, stripWords, strips; // computed once
     Slice before, centre, behind;
     Slice halo; // the first slice behind the stack, as it was at the start
     Word* out;

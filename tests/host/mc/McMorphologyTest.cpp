@@ -157,7 +157,8 @@ TEST_P(McMorphologyOn, FillsLikeAQueueOfVoxels)
 INSTANTIATE_TEST_SUITE_P(Sizes, McMorphologyOn,
                          testing::Values(Dims{1, 1, 1}, Dims{1, 70, 3}, Dims{3, 1, 1}, Dims{64, 5, 4},
                                          Dims{63, 9, 2}, Dims{65, 3, 9}, Dims{128, 4, 4}, Dims{37, 41, 29},
-                                         Dims{200, 11, 6}, Dims{127, 65, 20}));
+                                         Dims{200, 11, 6}, Dims{127, 65, 20}, Dims{192, 190, 4},
+                                         Dims{131, 170, 3}));
 
 TEST(McMorphologyFloodfill, FollowsASnakeThroughAllRows)
 {
