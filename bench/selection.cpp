@@ -8,8 +8,8 @@
 #include "BenchRace.h"
 #include "BenchVolume.h"
 #include "core/GiSelection3D.h"
+#include "core/giFillSlices.h"
 #include "core/giHasHiddenVoxels.h"
-#include "core/giOccupiedSlices.h"
 #include "filters/GiShapeFilter.h"
 
 #include <itkBinaryCrossStructuringElement.h>
@@ -187,13 +187,7 @@ McBitfield thinned(const McBitfield& ball, unsigned long size, int orientation, 
 
 void fillAllSlices(GiSelection3D& selection, int orientation)
 {
-    const std::vector<unsigned char> occupied = giOccupiedSlices(selection, orientation);
-    GiSelection2D slice;
-    for (int i = 0; i < static_cast<int>(occupied.size()); ++i) {
-        if (!occupied[static_cast<std::size_t>(i)]) continue;
-        selection.getSlice(&slice, orientation, i);
-        slice.fillSelection(-1, -1, 0);
-    }
+    giFillSlices(selection, orientation, [](int) { return true; });
 }
 
 void benchSlices(const McBitfield& ball, unsigned long size)

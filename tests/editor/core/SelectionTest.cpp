@@ -1,5 +1,6 @@
 #include "RandomVolume.h"
 
+#include "core/giFillSlices.h"
 #include "core/giOccupiedSlices.h"
 
 #include <gtest/gtest.h>
@@ -142,6 +143,38 @@ TEST_F(Selection, HolesOfASliceAreWhatTheBackgroundOfItsBorderDoesNotReach)
             for (int i = 0; i < w; ++i) expected[voxelOf(o, slice, i, j)] = !outside[voxelOf(o, slice, i, j)];
         selection.getSlice(slice, o).fillSelection(-1, -1, 0);
         EXPECT_EQ(asVector(selection.bits), expected) << "orientation " << o;
+    }
+}
+
+TEST(SelectionSlices, AreFilledAsEachOfThemAlone)
+{
+    // Columns in several words, rows that begin at all bit positions, heights beside those of a square.
+    constexpr unsigned long kSizes[][3] = {{150, 70, 9}, {64, 64, 5}, {37, 11, 9}, {193, 63, 4}, {5, 130, 7}};
+    for (const unsigned long* size : kSizes) {
+        RandomVolume volume(size[0], size[1], size[2], 11);
+        for (const int oneOf : {1, 3, 40}) { // slices with voxels
+            for (int o = 0; o < 3; ++o) {
+                GiSelection3D filled, plain;
+                filled.resize(size[0], size[1], size[2]);
+                for (unsigned long i = 0; i < volume.count(); ++i) {
+                    const unsigned long p[3] = {i % size[0], i / size[0] % size[1], i / size[0] / size[1]};
+                    if (p[o] % static_cast<unsigned long>(oneOf) == 0 && volume.below(3) > 0) filled.set(i);
+                }
+                plain.resize(size[0], size[1], size[2]);
+                plain.copyFrom(filled.bits);
+                const int n = filled.getNumSlices(o), last = oneOf == 3 ? n / 2 : n - 1;
+                for (int slice = 0; slice <= last; ++slice) plain.getSlice(slice, o).fillSelection(-1, -1, 0);
+                std::vector<int> asked;
+                giFillSlices(filled, o, [&](int slice) {
+                    asked.push_back(slice);
+                    return slice != last;
+                });
+                EXPECT_EQ(asked.size(), static_cast<std::size_t>(last) + 1);
+                EXPECT_EQ(asked.back(), last);
+                EXPECT_TRUE(filled.bits == plain.bits) << size[0] << " x " << size[1] << " x " << size[2]
+                                                       << ", orientation " << o << ", one of " << oneOf;
+            }
+        }
     }
 }
 
