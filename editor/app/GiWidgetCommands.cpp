@@ -12,6 +12,7 @@
 
 #include <QWidget>
 
+#include <exception>
 #include <string>
 
 #include <tcl.h>
@@ -163,7 +164,14 @@ int filter(Tcl_Interp* interp, int count, const char* const* words)
     if (!gi) return call.noData();
     GiFilter* found = findFilter(*gi, words[1]);
     if (!found) return call.fail("there is no filter " + quoted(words[1]) + ".");
-    QWidget* dialog = found->getWidget(gi->getToolbox(), true);
+    QWidget* dialog = nullptr;
+    try {
+        dialog = found->getWidget(gi->getToolbox(), true);
+    } catch (const std::exception& e) { // of foreign code, which may throw what it likes
+        return call.fail(std::string("the dialog of ") + quoted(words[1]) + " cannot be opened: " + e.what());
+    } catch (...) {
+        return call.fail(std::string("the dialog of ") + quoted(words[1]) + " cannot be opened.");
+    }
     if (!dialog) return call.fail(std::string("filter ") + words[1] + " has no dialog.");
     return access(call, *dialog, 2, isAnyPart);
 }

@@ -77,6 +77,7 @@ int GiFilterFactory::createFilter(const char* name, Gi* gi)
     HxDSO library;
     if (library.open(file) != 0) {
         HxMessage::getTheMsg()->printf("Internal error: could not open %s", static_cast<const char*>(file));
+        HxMessage::getTheMsg()->printf("%s", library.errorText().c_str());
         return 0;
     }
     const char* symbol = listEntry(kEntries, i);

@@ -94,7 +94,8 @@ TEST_F(PluginRegistry, GoesOnWithoutWhatFails)
          "nowhere test_plugins",
          "makeFirst makeSecond",
          {"Second"},
-         {"Internal error: could not open libnowhere.so"}},
+         {"Internal error: could not open libnowhere.so",
+          "libnowhere.so: cannot open shared object file: No such file or directory"}},
         {"NoSymbol Good", "test_plugins test_plugins", "makeNothing makeSecond", {"Second"}, {}},
         {"Bad Good",
          "test_plugins test_plugins",
@@ -112,7 +113,8 @@ TEST_F(PluginRegistry, GoesOnWithoutWhatFails)
          "test_plugins",
          "makeFirst makeSecond",
          {"First"},
-         {"Internal error: could not open lib.so"}},
+         {"Internal error: could not open lib.so",
+          "lib.so: cannot open shared object file: No such file or directory"}},
         {"Short NoEntry", "test_plugins test_plugins", "makeFirst", {"First"}, {}},
     };
     for (const auto& c : kCases) {
