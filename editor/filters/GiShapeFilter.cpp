@@ -114,7 +114,7 @@ void GiShapeFilter::findAngle()
 }
 
 /// Half the sides of the box around the pixels, turned so that the ellipse would lie along the axes. False if
-/// they all left the slice on the way: an ellipse of nothing would wipe the selection out.
+/// they all left the slice on the way: there are no radii then.
 bool GiShapeFilter::findRadii(int& rx, int& ry) const
 {
     GiSelection2D turned;
@@ -160,7 +160,9 @@ int GiShapeFilter::optimize(int quality, int rx, int ry, int& bestRx, int& bestR
         {rx - 1, ry - 1, rx - 1, ry - 1},
         {rx + 1, ry, rx + 1, ry},
         // kept: a longer second radius counts in the quality but is not taken. The pixels decide in doubt for
-        // the slimmer ellipse, and results of old scripts stay what they are.
+        // the slimmer ellipse, and results of old scripts stay what they are. For a line one pixel wide that
+        // is an ellipse without a width, which has no pixel: the line has none that fits it, and undo brings
+        // it back.
         {rx, ry + 1, rx, ry},
         {rx - 1, ry, rx - 1, ry},
         {rx, ry - 1, rx, ry - 1},

@@ -210,6 +210,21 @@ TEST(Ellipse, ALongerSecondRadiusIsNotTaken)
     EXPECT_EQ(ry, 7);
 }
 
+// kept: one row more fits a line best but is not taken, and an ellipse without a width has no pixel.
+TEST(Ellipse, ALineOnePixelWideGoesAndComesBackByUndo)
+{
+    TestEditor editor(41, 41, 1);
+    GiSelection2D& slice = *editor.gi.activate(2)->getSelection();
+    for (int x = 10; x <= 30; ++x) slice.set(x, 20);
+    const std::vector<bool> line = editor.copyOfSelection();
+    testing::internal::CaptureStderr();
+    GiShapeFilter(&editor.gi).applyEllipse();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "rx :10 ry:0\nqual: 21, opt: 2, optrx: 10, optry: 0\n");
+    EXPECT_FALSE(editor.gi.selection->isSet());
+    editor.gi.undo();
+    EXPECT_EQ(editor.copyOfSelection(), line);
+}
+
 TEST(Ellipse, NeedsAnImageAndLeavesAnEmptySliceAlone)
 {
     TestEditor editor(9, 9, 3);
