@@ -423,6 +423,9 @@ int HxGiEditor::parse(Tcl_Interp* interp, int wordCount, char** words)
             HxMessage::getTheMsg()->memError(e.size());
             Tcl_VaSetResult(interp, "%s: %s", words[1], e.what());
             return TCL_ERROR;
+        } catch (const McException& e) {
+            Tcl_VaSetResult(interp, "%s: %s", words[1], e.what());
+            return TCL_ERROR;
         }
     }
     return HxEditor::parse(interp, wordCount, words);
