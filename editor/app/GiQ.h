@@ -219,7 +219,6 @@ private:
     void buildOrientationMenu();
     void buildImageMenus();
     void buildSelectionMenu();
-    void runEntry(void (GiQ::*operation)());
     void addEntries(QMenu* menu, std::initializer_list<MenuEntry> entries);
     void addPluginFilters();
     void readFlipPreference();

@@ -4,6 +4,7 @@
 #include "app/GiQ.h"
 #include "app/GiQToolbox.h"
 #include "app/HxGiEditor.h"
+#include "app/giGuarded.h"
 #include "core/GiBusy.h"
 #include "display/GiViewer.h"
 #include "hx/HxLabelField3.h"
@@ -187,11 +188,13 @@ void GiQ::slotDataTouched(unsigned int)
 
 void GiQ::connectDataSetSwitch()
 {
-    connect(toolbox->wImageData, &QComboBox::currentIndexChanged, this, &GiQ::setImageDataSA);
-    connect(toolbox->wLabelData, &QComboBox::currentIndexChanged, this, &GiQ::setLabelDataSA);
+    connect(toolbox->wImageData, &QComboBox::currentIndexChanged, this,
+            giGuardedSlot(this, &GiQ::setImageDataSA));
+    connect(toolbox->wLabelData, &QComboBox::currentIndexChanged, this,
+            giGuardedSlot(this, &GiQ::setLabelDataSA));
     connect(toolbox->wNewLabels, &QToolButton::clicked, this, &GiQ::newLabelDataSA);
     HxObjectPool* notifier = HxObjectPool::getThePool()->notifier();
-    connect(notifier, &HxObjectPool::objectAdded, this, &GiQ::slotObjectAddedSA);
+    connect(notifier, &HxObjectPool::objectAdded, this, giGuardedSlot(this, &GiQ::slotObjectAddedSA));
     connect(notifier, &HxObjectPool::objectRenamed, this, &GiQ::slotObjectRenamedSA);
 }
 

@@ -2,10 +2,9 @@
 
 #include "app/GiQFrameBuffer.h"
 
+#include "app/giGuarded.h"
 #include "core/Gi.h"
 #include "display/GiViewer.h"
-#include "hx/HxResource.h"
-#include "mc/McException.h"
 #include "tools/GiTool.h"
 
 #include <QKeyEvent>
@@ -23,16 +22,11 @@ constexpr int kBarStart = 15;   // where its line begins
 constexpr int kWheelStep = 120; // one notch, in eighths of a degree
 constexpr int kShiftedSteps = 5;
 
-/// Runs what an event leads to. Qt's event loop takes no exceptions: those of the host end here, on the
-/// console.
+/// The end of what an event leads to.
 template <class Act>
-void guarded(Act act)
+void guarded(const Act& act)
 {
-    try {
-        act();
-    } catch (const McException& e) {
-        HxResource::handleException(e, 1);
-    }
+    giGuarded(GiReport::kConsole, act);
 }
 
 /// The pixel that a position lies in.

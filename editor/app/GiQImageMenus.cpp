@@ -2,6 +2,7 @@
 // show, and which one the contour tools take for the gradient.
 
 #include "app/GiQ.h"
+#include "app/giGuarded.h"
 #include "hx/HxLattice3.h"
 #include "hx/HxMessage.h"
 #include "hx/HxRegScalarField3.h"
@@ -33,7 +34,7 @@ void GiQ::buildImageMenus()
 {
     segmentationMenu->addSeparator();
     greyImageMenu = segmentationMenu->addMenu(tr("Gray image"));
-    connect(greyImageMenu, &QMenu::triggered, this, &GiQ::menuGreyImageChanged);
+    connect(greyImageMenu, &QMenu::triggered, this, giGuardedSlot(this, &GiQ::menuGreyImageChanged));
     connect(greyImageMenu, &QMenu::aboutToShow, this, &GiQ::mapMenu);
     gradientImageMenu = segmentationMenu->addMenu(tr("Gradient image"));
     connect(gradientImageMenu, &QMenu::triggered, this, &GiQ::menuGradientImageChanged);

@@ -4,14 +4,13 @@
 #include "app/GiQToolbox.h"
 #include "app/HxHTML.h"
 #include "app/QxViewerPanel.h"
+#include "app/giGuarded.h"
 #include "display/GiViewer.h"
 #include "filters/GiFilter.h"
 #include "hx/HxInterpreter.h"
 #include "hx/HxMessage.h"
-#include "hx/HxResource.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSkin.h"
-#include "mc/McException.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -60,19 +59,9 @@ void GiQ::addEntries(QMenu* menu, std::initializer_list<MenuEntry> entries)
         QAction* action = menu->addAction(tr(entry.text));
         if (entry.key != kNoKey) action->setShortcut(entry.key);
         if (entry.operation)
-            connect(action, &QAction::triggered, this, [this, run = entry.operation] { runEntry(run); });
+            connect(action, &QAction::triggered, this, giGuardedSlot(this, entry.operation));
         else
             deadActions.append(action);
-    }
-}
-
-/// An exception must not leave through Qt, which would end the program.
-void GiQ::runEntry(void (GiQ::*operation)())
-{
-    try {
-        (this->*operation)();
-    } catch (const McException& e) {
-        HxResource::handleException(e, 0);
     }
 }
 
@@ -86,7 +75,7 @@ void GiQ::buildSegmentationMenu()
     buildOrientationMenu();
     activeMenu = menu->addMenu(tr("Current viewer"));
     connect(activeMenu, &QMenu::aboutToShow, this, &GiQ::configureActivePopup);
-    connect(activeMenu, &QMenu::triggered, this, &GiQ::activeViewerChanged);
+    connect(activeMenu, &QMenu::triggered, this, giGuardedSlot(this, &GiQ::activeViewerChanged));
     if (scriptVariableExists("giNeuroMode")) addEntries(menu, {{"Projection", kNoKey, nullptr}});
     if (mode != kEmbeddedMode) addEntries(menu, {{"Material Statistics...", kNoKey, nullptr}});
     menu->addSeparator();
@@ -126,7 +115,7 @@ void GiQ::buildOrientationMenu()
                              Item{"Flip Y", "Flip Y", Qt::ALT | Qt::Key_Y, kFlipY},
                              Item{"Flip Z", "Flip Z", Qt::ALT | Qt::Key_Z, kFlipZ}})
         add(item);
-    connect(orientationMenu, &QMenu::triggered, this, &GiQ::orientationChanged);
+    connect(orientationMenu, &QMenu::triggered, this, giGuardedSlot(this, &GiQ::orientationChanged));
     connect(orientationMenu, &QMenu::aboutToShow, this, &GiQ::configureOrientationPopup);
 }
 
@@ -309,6 +298,8 @@ void GiQ::menuPluginFilter(QAction* action)
         }
     } catch (const std::exception& e) { // of foreign code, which may throw what it likes
         HxMessage::getTheMsg()->error("The dialog of \"%s\" cannot be opened: %s", chosen->name, e.what());
+    } catch (...) {
+        HxMessage::getTheMsg()->error("The dialog of \"%s\" cannot be opened.", chosen->name);
     }
 }
 

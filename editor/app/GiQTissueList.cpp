@@ -4,6 +4,7 @@
 #include "app/GiQ.h"
 #include "app/GiQTissueListItem.h"
 #include "app/GiQToolbox.h"
+#include "app/giGuarded.h"
 #include "hx/HxParamBundle.h"
 #include "qx/QxLockItemDelegate.h"
 #include "qx/QxMaterialNameItemDelegate.h"
@@ -24,8 +25,8 @@ GiQTissueList::GiQTissueList(QWidget* parent) : QTableWidget(0, kNumColumns, par
     setUpTable();
     setUpHeader();
     connect(this, &QTableWidget::itemSelectionChanged, this, &GiQTissueList::selectionChanged);
-    connect(this, &QTableWidget::cellChanged, this, &GiQTissueList::nameChanged);
-    connect(this, &QTableWidget::cellClicked, this, &GiQTissueList::itemClicked);
+    connect(this, &QTableWidget::cellChanged, this, giGuardedSlot(this, &GiQTissueList::nameChanged));
+    connect(this, &QTableWidget::cellClicked, this, giGuardedSlot(this, &GiQTissueList::itemClicked));
 }
 
 GiQTissueList::~GiQTissueList() = default;

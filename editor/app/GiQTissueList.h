@@ -142,6 +142,8 @@ private:
     void fillContextMenu(QMenu& menu, int row);
     void fillStyleMenu(QMenu& menu, int row) const;
     void runMenuEntry(int entry, int row);
+    void handlePress(QMouseEvent* event);
+    void handleKey(QKeyEvent* event);
 
     HxParamBundle* bundle = nullptr; // the label data's "Materials"
     GiQ* gi = nullptr;

@@ -5,6 +5,7 @@
 #include "app/GiQTissueListItem.h"
 #include "app/GiQToolbox.h"
 #include "app/QxPreferenceDialog.h"
+#include "app/giGuarded.h"
 
 #include <QKeyEvent>
 #include <QMenu>
@@ -61,6 +62,11 @@ bool GiQTissueList::edit(const QModelIndex& index, EditTrigger trigger, QEvent* 
 
 void GiQTissueList::mousePressEvent(QMouseEvent* event)
 {
+    giGuarded(GiReport::kConsole, [&] { handlePress(event); });
+}
+
+void GiQTissueList::handlePress(QMouseEvent* event)
+{
     QTableWidget::mousePressEvent(event);
     if (event->button() == Qt::LeftButton) pressRow = currentRow();
     if (event->button() == Qt::RightButton) {
@@ -77,6 +83,11 @@ void GiQTissueList::mousePressEvent(QMouseEvent* event)
 }
 
 void GiQTissueList::keyPressEvent(QKeyEvent* event)
+{
+    giGuarded(GiReport::kConsole, [&] { handleKey(event); });
+}
+
+void GiQTissueList::handleKey(QKeyEvent* event)
 {
     const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
     if (!gi || !bundleOf(currentRow()) || !plain) return QTableWidget::keyPressEvent(event);
@@ -180,6 +191,8 @@ void GiQTissueList::popupContextMenu(GiQTissueListItem* item, const QPoint& glob
     const QAction* chosen = menu.exec(globalPosition);
     isOpen = false;
     if (!chosen) return;
-    runMenuEntry(chosen->data().toInt(), row);
-    if (gi) gi->redraw();
+    giGuarded(GiReport::kDialog, [&] {
+        runMenuEntry(chosen->data().toInt(), row);
+        if (gi) gi->redraw();
+    });
 }

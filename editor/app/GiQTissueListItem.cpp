@@ -3,6 +3,7 @@
 #include "app/GiMaterialView3D.h"
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
+#include "app/giGuarded.h"
 #include "hx/HxMatDatabase.h"
 #include "hx/HxParamBundle.h"
 #include "hx/HxResource.h"
@@ -119,10 +120,11 @@ void GiQTissueListItem::showStates(int row)
 
 void GiQTissueListItem::connectCells()
 {
-    connect(box2D, &QCheckBox::clicked, this, &GiQTissueListItem::setShow2D);
-    connect(box3D, &QCheckBox::clicked, this, &GiQTissueListItem::slotShow3D);
-    connect(boxColor, &QCheckBox::clicked, this, &GiQTissueListItem::slotShowColor);
-    connect(selectButton, &QxToolButton::clicked, this, &GiQTissueListItem::selectMaterial);
+    connect(box2D, &QCheckBox::clicked, this, giGuardedSlot(this, &GiQTissueListItem::setShow2D));
+    connect(box3D, &QCheckBox::clicked, this, giGuardedSlot(this, &GiQTissueListItem::slotShow3D));
+    connect(boxColor, &QCheckBox::clicked, this, giGuardedSlot(this, &GiQTissueListItem::slotShowColor));
+    connect(selectButton, &QxToolButton::clicked, this,
+            giGuardedSlot(this, &GiQTissueListItem::selectMaterial));
 }
 
 int GiQTissueListItem::row() const

@@ -2,6 +2,7 @@
 
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
+#include "app/giGuarded.h"
 #include "display/GiViewer.h"
 #include "hx/HxColormap.h"
 #include "hx/HxInterpreter.h"
@@ -10,7 +11,6 @@
 #include "hx/HxParamBundle.h"
 #include "hx/HxResource.h"
 #include "hx/HxWorkArea.h"
-#include "mc/McException.h"
 #include "qx/QxColormapFullRangeSlider.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiTool.h"
@@ -145,43 +145,36 @@ void GiQToolbox::connectButtons()
     for (const Entry& entry : entries) {
         entry.button->setEnabled(entry.operation != nullptr);
         if (entry.operation)
-            connect(entry.button, &QAbstractButton::clicked, this,
-                    [this, run = entry.operation] { runButton(run); });
+            connect(entry.button, &QAbstractButton::clicked, this, giGuardedSlot(this, entry.operation));
     }
     addSelectionButton->installEventFilter(this);
 }
 
-/// An exception must not leave through Qt, which would end the program.
-void GiQToolbox::runButton(void (GiQToolbox::*operation)())
-{
-    try {
-        (this->*operation)();
-    } catch (const McException& e) {
-        HxResource::handleException(e, 0);
-    }
-}
-
 void GiQToolbox::connectWidgets()
 {
-    connect(prevSel2DButton, &QToolButton::clicked, gi, &GiQ::showPrevSliceWithSelection);
-    connect(nextSel2DButton, &QToolButton::clicked, gi, &GiQ::showNextSliceWithSelection);
+    connect(prevSel2DButton, &QToolButton::clicked, gi, giGuardedSlot(gi, &GiQ::showPrevSliceWithSelection));
+    connect(nextSel2DButton, &QToolButton::clicked, gi, giGuardedSlot(gi, &GiQ::showNextSliceWithSelection));
     connect(gi, &GiQ::selectionChanged, this, &GiQToolbox::handleSelectionChange);
     connect(gi, &GiQ::hiddenSelectionDetected, this, &GiQToolbox::handleHiddenSelection);
-    connect(allZoomRadioButton, &QRadioButton::toggled, this, &GiQToolbox::toggleZoomChanged);
-    connect(allSlicesRadioButton, &QRadioButton::toggled, this, &GiQToolbox::toggle3dChanged);
-    connect(addMatButton, &QToolButton::clicked, tissueList, [this] { tissueList->addTissue(); });
-    connect(delMatButton, &QToolButton::clicked, tissueList, [this] { tissueList->removeTissue(); });
+    connect(allZoomRadioButton, &QRadioButton::toggled, this,
+            giGuardedSlot(this, &GiQToolbox::toggleZoomChanged));
+    connect(allSlicesRadioButton, &QRadioButton::toggled, this,
+            giGuardedSlot(this, &GiQToolbox::toggle3dChanged));
+    connect(addMatButton, &QToolButton::clicked, tissueList,
+            [this] { giGuarded(GiReport::kDialog, [this] { tissueList->addTissue(); }); });
+    connect(delMatButton, &QToolButton::clicked, tissueList,
+            giGuardedSlot(tissueList, qOverload<>(&GiQTissueList::removeTissue)));
     connect(qxRangeSlider, &QxColormapFullRangeSlider::valueChanged, gi,
-            qOverload<float, float>(&GiQ::setDataWindow));
-    connect(wEnableMaskingCheckBox, &QCheckBox::stateChanged, gi, &GiQ::setEnableMask);
-    connect(wShowMaskingCheckBox, &QCheckBox::stateChanged, gi, &GiQ::setShowMask);
+            giGuardedSlot(gi, qOverload<float, float>(&GiQ::setDataWindow)));
+    connect(wEnableMaskingCheckBox, &QCheckBox::stateChanged, gi, giGuardedSlot(gi, &GiQ::setEnableMask));
+    connect(wShowMaskingCheckBox, &QCheckBox::stateChanged, gi, giGuardedSlot(gi, &GiQ::setShowMask));
     connect(wMaskingWindowSlider, &QxColormapFullRangeSlider::valueChanged, gi,
-            &GiQ::toolDataWindowSliderChanged);
+            giGuardedSlot(gi, &GiQ::toolDataWindowSliderChanged));
     if (QAbstractButton* button = HxWorkArea::getTheWorkArea()->mainButton())
         connect(button, &QAbstractButton::clicked, gi, &GiQ::menuClose, Qt::UniqueConnection);
-    connect(toolBar, &QToolBar::actionTriggered, this, &GiQToolbox::setActiveTool);
+    connect(toolBar, &QToolBar::actionTriggered, this, giGuardedSlot(this, &GiQToolbox::setActiveTool));
     connect(colormap2DMenu, &QMenu::aboutToShow, this, &GiQToolbox::configure2DColormapMenu);
-    connect(colormap2DMenu, &QMenu::triggered, this, &GiQToolbox::setColormap);
+    connect(colormap2DMenu, &QMenu::triggered, this, giGuardedSlot(this, &GiQToolbox::setColormap));
     connect(colormap3DMenu, &QMenu::aboutToShow, this, &GiQToolbox::configure3DColormapMenu);
 }
 

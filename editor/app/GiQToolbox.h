@@ -76,7 +76,6 @@ private:
     void loadIcons();
     void connectWidgets();
     void connectButtons();
-    void runButton(void (GiQToolbox::*operation)());
     void addTools();
     bool mayTransfer() const;
     void handleAlertMode3D(bool alert);
