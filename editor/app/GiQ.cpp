@@ -256,6 +256,7 @@ void GiQ::clear()
     imageData = nullptr;
     labelLattice = nullptr;
     imageLattice = nullptr;
+    endBrowsing();    // the key that goes through the slices may still be down
     forgetGradient(); // with no image bound, as it may be shown itself
     currentTissue = 0;
     selection->resize(0, 0, 0);

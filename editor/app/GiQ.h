@@ -112,6 +112,8 @@ public:
     void preInitShowOnly();
     /// Every viewer of the panel, the foreign ones too.
     void redrawViewAll();
+    /// No viewer leafs through its slices any more.
+    void endBrowsing();
     /// Gives the keys to the active viewer, if it is one of the editor's.
     void focusViewer();
     /// One viewer alone, or all.

@@ -76,6 +76,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    /// The release of a key that leafs goes elsewhere: it ends here.
+    void focusOutEvent(QFocusEvent* event) override;
     /// Tab is a key of the editor and does not move the focus.
     bool focusNextPrevChild(bool) override { return false; }
 

@@ -236,6 +236,13 @@ void GiQFrameBuffer::leaveEvent(QEvent*)
     deliver(leaveWindowEvent);
 }
 
+void GiQFrameBuffer::focusOutEvent(QFocusEvent* event)
+{
+    QWidget::focusOutEvent(event);
+    const bool byMouse = draggingScrollBar || wheelTimer.isActive();
+    if (isBrowsing() && !byMouse) wheelBrowsingStopped();
+}
+
 void GiQFrameBuffer::wheelEvent(QWheelEvent* event)
 {
     event->accept();

@@ -183,6 +183,12 @@ void GiQ::activateViewer(HxViewerBase* viewer)
     checkForHiddenSelection();
 }
 
+void GiQ::endBrowsing()
+{
+    for (int i = 0; i < viewers.size(); ++i)
+        if (GiFrameBuffer* buffer = viewers[i]->getFrameBuffer()) buffer->setBrowsing(false);
+}
+
 void GiQ::changeViewerLayout()
 {
     const int several = mode == kSubApplicationMode ? kFourViewers : kThreeViewers;

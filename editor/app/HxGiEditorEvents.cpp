@@ -95,12 +95,11 @@ void walk(GiQ& gi, const Walk& w, const McKeyboardEvent& event)
         goToSlice(gi, slice + w.step, event.shift);
 }
 
-/// The key is up: the slice is shown at full quality, and the scan for hidden selections makes up for those
-/// that the browsing left out.
+/// The key is up: the scan for hidden selections makes up for those that the browsing left out. Another
+/// viewer may have become the current one while the key was down, and the first one must not go on browsing.
 void endWalk(GiQ& gi)
 {
-    const GiViewer* viewer = gi.getCurrentViewer();
-    if (GiFrameBuffer* buffer = viewer ? viewer->getFrameBuffer() : nullptr) buffer->setBrowsing(false);
+    gi.endBrowsing();
     gi.checkForHiddenSelection();
 }
 

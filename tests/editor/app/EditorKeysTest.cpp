@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 
 #include <filesystem>
+#include <functional>
 
 namespace {
 
@@ -151,6 +152,36 @@ TEST_F(EditorKeys, scanForHiddenSelectionsWhenTheKeyComesUp)
     h.keyUp(Qt::Key_Right);
     EXPECT_EQ(scans, std::vector<int>{1});
     QObject::disconnect(listener);
+}
+
+TEST_F(EditorKeys, noViewerGoesOnBrowsingWhenTheKeyComesUpElsewhere)
+{
+    gi()->set3dMode(true);
+    const struct
+    {
+        const char* name;
+        std::function<void()> leave;
+    } kWays[] = {
+        {"another viewer became the active one",
+         [this] {
+             gi()->activateViewer(gi()->viewers[0]);
+             Hand(gi()->viewers[0]->getWidget()).keyUp(Qt::Key_Right);
+         }},
+        {"the keys went to another window",
+         [this] {
+             QFocusEvent event(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+             QCoreApplication::sendEvent(viewer->getWidget(), &event);
+         }},
+        {"the data closed", [] { editor()->stopEditing(); }},
+    };
+    for (const auto& way : kWays) {
+        start();
+        gi()->activateViewer(viewer);
+        hand().keyDown(Qt::Key_Right);
+        ASSERT_TRUE(isBrowsing()) << way.name;
+        way.leave();
+        EXPECT_FALSE(isBrowsing()) << way.name;
+    }
 }
 
 TEST_F(EditorKeys, firstAndLastSliceTakeTheSelectionAlong)
