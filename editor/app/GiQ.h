@@ -239,10 +239,13 @@ private:
     void flipViewers();
     QList<HxViewerBase*> visibleViewers() const;
     bool isOwnViewer(const HxViewerBase* viewer) const;
-    void goToSlice(int (GiQ::*find)(int current, int orientation));
+    /// To a slice that lies before, or behind, the current one; a finding on the other side is none.
+    void goBack(int (GiQ::*find)(int current, int orientation));
+    void goForth(int (GiQ::*find)(int current, int orientation));
     /// One undo step on the current slice's selection, or on the volume's, that shows and tells its outcome.
     void changeSlice(void (*change)(GiSelection2D&));
     void changeVolume(const char* text, const std::function<void()>& change);
+    void changeAllSlices(const char* text, void (*change)(GiSelection3D&, int orientation));
     void announceSelection();
     void takePanel();
     void givePanelBack();

@@ -4,6 +4,7 @@
 #include "app/GiQ.h"
 #include "app/GiQToolbox.h"
 #include "core/GiBusy.h"
+#include "core/giFillSlices.h"
 #include "core/giHasHiddenVoxels.h"
 #include "core/giOccupiedSlices.h"
 #include "display/GiFrameBuffer.h"
@@ -11,6 +12,7 @@
 #include "filters/GiShapeFilter.h"
 #include "hx/HxWorkArea.h"
 
+#include <algorithm>
 #include <vector>
 
 void GiQ::announceSelection()
@@ -46,10 +48,20 @@ void GiQ::changeVolume(const char* text, const std::function<void()>& change)
     announceSelection();
 }
 
+/// The slices change together within milliseconds: nobody would see how many of them are done.
+void GiQ::changeAllSlices(const char* text, void (*change)(GiSelection3D&, int))
+{
+    changeVolume(text, [this, change] {
+        change(*selection, getCurrentOrientation());
+        HxWorkArea::getTheWorkArea()->setProgress(1);
+    });
+}
+
 void GiQ::growSelection2D()
 {
-    // kept: before there are voxels this leaves no undo step, unlike shrinking. It is the one of the two that
-    // has a key of the viewers, which gets here early.
+    // kept: before there are voxels this leaves no undo step, unlike all other commands, which leave an empty
+    // one. It is the one that has a key of the viewers, which gets here early; the others come from scripts
+    // then, which count their steps.
     if (selection && selection->numBits() > 0) changeSlice(GiShapeFilter::dilate2D);
 }
 
@@ -60,14 +72,12 @@ void GiQ::shrinkSelection2D()
 
 void GiQ::growSelectionAll2D()
 {
-    changeVolume("Enlarging ...",
-                 [this] { GiShapeFilter::dilateSlices(*selection, getCurrentOrientation()); });
+    changeAllSlices("Enlarging ...", GiShapeFilter::dilateSlices);
 }
 
 void GiQ::shrinkSelectionAll2D()
 {
-    changeVolume("Shrinking ...",
-                 [this] { GiShapeFilter::erodeSlices(*selection, getCurrentOrientation()); });
+    changeAllSlices("Shrinking ...", GiShapeFilter::erodeSlices);
 }
 
 void GiQ::growSelection3D()
@@ -98,6 +108,8 @@ void GiQ::selectionEllipse()
 void GiQ::selectionFill()
 {
     fillSelection(-1, -1, 0);
+    // kept: told and drawn a second time, as the fill does both itself. Listeners hear the same of all
+    // entries of the menu, whatever the operation behind one tells.
     announceSelection();
 }
 
@@ -106,18 +118,12 @@ void GiQ::selectionFillAll()
     changeVolume("Filling ...", [this] {
         HxWorkArea* area = HxWorkArea::getTheWorkArea();
         const int orientation = getCurrentOrientation();
-        const std::vector<unsigned char> occupied = giOccupiedSlices(*selection, orientation);
-        const int n = static_cast<int>(occupied.size());
-        GiSelection2D slice;
-        for (int i = 0; i < n; ++i) {
-            if (occupied[static_cast<std::size_t>(i)]) {
-                selection->getSlice(&slice, orientation, i);
-                slice.fillSelection(-1, -1, 0);
-            }
+        const int n = selection->getNumSlices(orientation);
+        giFillSlices(*selection, orientation, [area, n](int i) {
             area->setProgress((i + 0.5) / n);
             // What is filled stays filled: undo takes it back as a whole.
-            if (area->interrupted()) break;
-        }
+            return !area->interrupted();
+        });
     });
 }
 
@@ -150,7 +156,10 @@ int findOccupied(const GiSelection3D* selection, int orientation, int from, int 
     if (!selection) return otherwise;
     const std::vector<unsigned char> occupied = giOccupiedSlices(*selection, orientation);
     const int n = static_cast<int>(occupied.size());
-    for (int i = from; i != end && i >= 0 && i < n; i += step)
+    // A viewer can stand on a slice that is no longer there.
+    const int begin = step > 0 ? std::max(from, 0) : std::min(from, n - 1);
+    const int limit = step > 0 ? std::min(end, n) : std::max(end, -1);
+    for (int i = begin; step > 0 ? i < limit : i > limit; i += step)
         if (occupied[static_cast<std::size_t>(i)]) return i;
     return otherwise;
 }
@@ -179,32 +188,40 @@ int GiQ::nextSliceWithSelection(int current, int orientation)
     return findOccupied(selection, orientation, current + 1, n, 1, current);
 }
 
-void GiQ::goToSlice(int (GiQ::*find)(int, int))
+void GiQ::goBack(int (GiQ::*find)(int, int))
 {
     GiViewer* viewer = getCurrentViewer();
     if (!viewer || !selection) return;
     const int found = (this->*find)(viewer->getSlice(), getCurrentOrientation());
-    if (found != viewer->getSlice()) viewer->setSlice(found, true);
+    if (found < viewer->getSlice()) viewer->setSlice(found, true);
+}
+
+void GiQ::goForth(int (GiQ::*find)(int, int))
+{
+    GiViewer* viewer = getCurrentViewer();
+    if (!viewer || !selection) return;
+    const int found = (this->*find)(viewer->getSlice(), getCurrentOrientation());
+    if (found > viewer->getSlice()) viewer->setSlice(found, true);
 }
 
 void GiQ::showFirstSliceWithSelection()
 {
-    goToSlice(&GiQ::firstSliceWithSelection);
+    goBack(&GiQ::firstSliceWithSelection);
 }
 
 void GiQ::showPrevSliceWithSelection()
 {
-    goToSlice(&GiQ::prevSliceWithSelection);
+    goBack(&GiQ::prevSliceWithSelection);
 }
 
 void GiQ::showNextSliceWithSelection()
 {
-    goToSlice(&GiQ::nextSliceWithSelection);
+    goForth(&GiQ::nextSliceWithSelection);
 }
 
 void GiQ::showLastSliceWithSelection()
 {
-    goToSlice(&GiQ::lastSliceWithSelection);
+    goForth(&GiQ::lastSliceWithSelection);
 }
 
 // Hidden selection

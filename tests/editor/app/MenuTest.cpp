@@ -116,9 +116,21 @@ TEST_F(Menus, AnInterruptedFillKeepsWhatIsDoneAndUndoTakesAllBack)
     for (int z = 0; z < 9; ++z)
         for (const auto& p : {McVec2i(1, 2), McVec2i(3, 2), McVec2i(2, 1), McVec2i(2, 3)})
             selection().set(p.x, p.y, z);
+    gi()->viewers[0]->setSlice(2, true); // YZ: it cuts through the filled slices and the others
+    gi()->updateSelectionBoxes();
+    int announced = 0;
+    const auto heard = QObject::connect(gi(), &GiQ::selectionChanged, [&] { ++announced; });
     HxWorkArea::getTheWorkArea()->interruptAfter(4);
     gi()->selectionFillAll();
+    QObject::disconnect(heard);
     EXPECT_EQ(numSelected(), 9u * 4 + 4);
+    EXPECT_EQ(announced, 1);
+    for (int i = 0; i < 3; ++i) {
+        GiSelection2D view = *gi()->viewers[i]->getSelection();
+        const McBox2i told = view.selectionBox;
+        view.computeSelectionBox();
+        EXPECT_EQ(told, view.selectionBox) << "viewer " << i;
+    }
     eval("gi undo");
     EXPECT_EQ(numSelected(), 9u * 4);
 }

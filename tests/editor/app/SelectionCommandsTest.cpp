@@ -11,6 +11,7 @@
 #include <QRadioButton>
 
 #include <functional>
+#include <stdexcept>
 
 namespace {
 
@@ -111,16 +112,20 @@ TEST_F(SelectionCommands, AllSlicesAreThoseOfTheCurrentOrientation)
     }
 }
 
-// kept: growing before there are voxels leaves no undo step.
+// kept: growing in the slice before there are voxels leaves no undo step; all others leave an empty one.
 TEST_F(SelectionCommands, DoNothingWithoutVoxels)
 {
     open();
     editor()->stopEditing();
     gi()->growSelection2D();
     EXPECT_EQ(gi()->canUndo(), 0);
-    gi()->growSelection3D();
-    gi()->shrinkSelectionAll2D();
-    gi()->selectionFillAll();
+    for (void (GiQ::*command)() : {&GiQ::growSelection3D, &GiQ::shrinkSelection2D, &GiQ::shrinkSelectionAll2D,
+                                   &GiQ::selectionFillAll}) {
+        gi()->clearUndo(1);
+        (gi()->*command)();
+        EXPECT_EQ(gi()->canUndo(), 1);
+        gi()->undo();
+    }
     gi()->selectionEllipse();
     EXPECT_FALSE(selection().isSet());
 }
@@ -140,7 +145,45 @@ TEST_F(SelectionCommands, SlicesWithASelectionAreFoundAlongEachAxis)
             EXPECT_EQ(gi()->nextSliceWithSelection(s, o), expected[s][2]) << o << ", slice " << s;
             EXPECT_EQ(gi()->lastSliceWithSelection(s, o), expected[s][3]) << o << ", slice " << s;
         }
+        // On slices that are not there: what lies on the side that is looked at, or nothing.
+        EXPECT_EQ(gi()->firstSliceWithSelection(-3, o), -3);
+        EXPECT_EQ(gi()->nextSliceWithSelection(-3, o), 1);
+        EXPECT_EQ(gi()->lastSliceWithSelection(-3, o), 5);
+        EXPECT_EQ(gi()->firstSliceWithSelection(9, o), 1);
+        EXPECT_EQ(gi()->prevSliceWithSelection(9, o), 5);
+        EXPECT_EQ(gi()->lastSliceWithSelection(9, o), 9);
     }
+}
+
+TEST_F(SelectionCommands, ADialogOfForeignCodeMayThrowWhatItLikes)
+{
+    class Broken : public GiFilter
+    {
+    public:
+        explicit Broken(Gi* owner) : GiFilter(owner) { name = "Broken..."; }
+        bool throwsNumber = false;
+
+    protected:
+        QWidget* createWidget(QWidget*) override
+        {
+            if (throwsNumber) throw 42;
+            throw std::runtime_error("no dialog today.");
+        }
+    };
+    open();
+    const McHandle<Broken> broken(new Broken(gi()));
+    gi()->pluginFilters.append(broken);
+    QAction entry("Broken");
+    entry.setData("Broken...");
+    gi()->menuPluginFilter(&entry);
+    EXPECT_EQ(console.back(), "The dialog of \"Broken...\" cannot be opened: no dialog today.");
+    EXPECT_EQ(error("filter Broken widget x"),
+              "filter: the dialog of \"Broken\" cannot be opened: no dialog today.");
+    broken->throwsNumber = true;
+    gi()->menuPluginFilter(&entry);
+    EXPECT_EQ(console.back(), "The dialog of \"Broken...\" cannot be opened.");
+    EXPECT_EQ(error("filter Broken widget x"), "filter: the dialog of \"Broken\" cannot be opened.");
+    gi()->pluginFilters.remove(gi()->pluginFilters.size() - 1);
 }
 
 TEST_F(SelectionCommands, PluginFiltersAreInTheMenuAndTheLastOfANameOpens)
