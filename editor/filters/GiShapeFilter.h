@@ -45,8 +45,8 @@ public:
     /// The progress is not used: these take milliseconds.
     static void erode3D(GiSelection3D& volume, McProgressInterface* progress);
     static void dilate3D(GiSelection3D& volume, McProgressInterface* progress);
-    /// The 2D forms on each slice of an orientation by itself, in one walk through the volume. Empty slices
-    /// cost no more than to be read.
+    /// The 2D forms on each slice of an orientation by itself, in one walk through the volume. Stretches of
+    /// it without a voxel cost no more than to be read.
     static void erodeSlices(GiSelection3D& volume, int orientation);
     static void dilateSlices(GiSelection3D& volume, int orientation);
 

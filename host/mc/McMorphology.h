@@ -38,8 +38,8 @@ public:
     static void dilation3D(const McBitfield& bits, McBitfield& result, const int* dims, int width);
 
     /// One such step in place, among the neighbours along the given axes alone: without the axis across the
-    /// slices, each slice is treated by itself. Takes a few slices of scratch for each thread; slices that
-    /// nothing set is near cost no more than to be read.
+    /// slices, each slice is treated by itself. Takes a few slices of scratch for each thread; strips of
+    /// some rows that nothing set is near cost no more than to be read.
     static void erode(McBitfield& bits, const int* dims, int axes = kAllAxes);
     static void dilate(McBitfield& bits, const int* dims, int axes = kAllAxes);
 };
