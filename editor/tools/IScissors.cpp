@@ -12,6 +12,10 @@
 namespace {
 
 constexpr unsigned long kRowReadAhead = 4; // the search reads rows of three pixels by four
+// Of two neighbours the one that is expanded first can put the other one into the queue, never the reverse,
+// and only once: no more entries can be needed than there are pairs of neighbours, four for a pixel. What is
+// never used of this room is never given memory by the system.
+constexpr int kEntriesPerPixel = 4;
 
 template <class T>
 void allocateArray(T*& array, unsigned long count)
@@ -65,15 +69,13 @@ void IScissors::init(int newWidth, int newHeight, unsigned char* newImage, CostT
 void IScissors::allocate()
 {
     // An index has to fit, and that of an entry too.
-    if (static_cast<long>(width) * height > INT_MAX / 8) throw McMemoryException(ULONG_MAX);
+    if (static_cast<long>(width) * height > INT_MAX / kEntriesPerPixel) throw McMemoryException(ULONG_MAX);
     const auto count = static_cast<unsigned long>(width * height);
     allocateArray(cost, count + kRowReadAhead);
     allocateArray(soFar, count + kRowReadAhead);
     allocateArray(back, count);
     allocateArray(marks, count);
-    // Each pixel is expanded once, and then puts each of its neighbours into the queue once at most. What is
-    // never used of this is never given memory by the system.
-    allocateArray(entries, 8 * count + 1);
+    allocateArray(entries, kEntriesPerPixel * count + 1); // and the seed's own
     if (costType != kFollowAlongEdge) return;
     allocateArray(gradX, count);
     allocateArray(gradY, count);
@@ -88,7 +90,10 @@ void IScissors::release()
     freeArray(back);
     freeArray(entries);
     freeArray(marks);
+    emptyQueue();
     width = height = 0;
+    image = nullptr;
+    currentCost = -1;
 }
 
 /// No pixel can be reached until the next start.

@@ -13,8 +13,8 @@
 ///     init, start, then isValid, markPath and next for each place of the mouse; restart to go on from a
 ///     fixed point; init again for another image.
 ///
-/// A pixel index is y * width + x. Only init takes memory: 15 bytes for a pixel, and room for the queue, of
-/// which a search touches a few percent.
+/// A pixel index is y * width + x. Only init takes memory: 7 bytes for a pixel, 9 for kFollowAlongEdge, and
+/// 32 as room for the queue, of which a search touches a few percent.
 ///
 /// Mortensen and Barrett, "Intelligent Scissors for Image Composition", SIGGRAPH 1995; the queue is that of
 /// Dial, "Algorithm 360: Shortest-Path Forest with Topological Ordering", Communications of the ACM 12, 1969.

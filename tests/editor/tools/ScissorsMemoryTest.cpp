@@ -1,38 +1,23 @@
-#include "PlainScissors.h"
+#include "editor/tools/Allocations.h"
+#include "editor/tools/PlainScissors.h"
 #include "tools/IScissors.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-
-// A checking allocator has the same function for itself.
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
-
-extern "C" void* __libc_malloc(std::size_t bytes);
-
-namespace {
-thread_local int allocations = 0;
-} // namespace
-
-extern "C" void* malloc(std::size_t bytes)
-{
-    ++allocations;
-    return __libc_malloc(bytes);
-}
 
 namespace {
 
 TEST(Scissors, FollowTheMouseWithoutTakingMemory)
 {
+    if (!Allocations::areSeen()) GTEST_SKIP() << "a checking allocator";
     TraceImage image{100, 80, std::vector<unsigned char>(8000)};
     for (int i = 0; i < image.count(); ++i)
         image.values[static_cast<std::size_t>(i)] = static_cast<unsigned char>(i * 37 % 251);
     for (const int type : {0, 2, 3, 99}) {
         IScissors scissors;
-        const int before = allocations;
+        const int before = Allocations::count();
         scissors.init(image.width, image.height, image.values.data(), static_cast<IScissors::CostType>(type));
-        ASSERT_GT(allocations, before) << "allocations are not seen";
-        const int prepared = allocations;
+        ASSERT_GT(Allocations::count(), before) << "allocations are not seen";
+        const int prepared = Allocations::count();
         scissors.start(50, 40);
         for (int i = 0; i < image.count(); i += 7) {
             int x = i % image.width, y = i / image.width, oldX, oldY, forkX, forkY;
@@ -44,10 +29,8 @@ TEST(Scissors, FollowTheMouseWithoutTakingMemory)
         scissors.restart(20, 20);
         scissors.isValid(90, 70);
         scissors.init(image.height, image.width, image.values.data(), static_cast<IScissors::CostType>(type));
-        EXPECT_EQ(allocations, prepared) << "cost type " << type;
+        EXPECT_EQ(Allocations::count(), prepared) << "cost type " << type;
     }
 }
 
 } // namespace
-
-#endif
