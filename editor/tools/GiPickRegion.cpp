@@ -89,12 +89,16 @@ void GiPickRegion::setCursor(unsigned int state)
 
 void GiPickRegion::checkCursor(GiFrameBuffer& frameBuffer, const McEvent& event)
 {
+    // The key comes to the viewer with the focus, while the pointer can be over another one.
+    if (event.as<McKeyboardEvent>() && !frameBuffer.window().contains(event.x, event.y)) return;
     unsigned int state = kPick;
-    if (isInFrame(frameBuffer, event)) {
+    // An event that tells of leaving has no position.
+    if (isInFrame(frameBuffer, event) && !event.as<McLeaveWindowEvent>()) {
         const McVec2i pixel = pixelAt(frameBuffer, event);
         if (!event.ctrl && frameBuffer.selection->isSet(pixel.x, pixel.y))
             state = event.shift ? kRotate : kMove;
-        if (event.left && !event.as<McMotionEvent>())
+        const bool isPress = McMouseButtonEvent::isButtonPressEvent(&event, kLeft);
+        if (isPress || (event.left && !event.as<McMotionEvent>()))
             pressVoxel = gi->getPoint3D(pixel.x, pixel.y, frameBuffer.viewer);
     }
     setCursor(state);

@@ -18,7 +18,9 @@ class McMemoryException;
 ///
 /// A press beside the selection picks the connected region under the pointer, or every voxel of its label,
 /// in the slice or in the volume. A press on the selection takes hold of it: the slice follows the pointer,
-/// the other slices follow when the button goes up. A drag is one step of undo. It ends early, with what it
+/// the other slices follow when the button goes up. What is dragged beyond the slice's edge comes back with
+/// the pointer, as each motion starts from the state at the press; what lies there at the release is lost. A
+/// drag is one step of undo. It ends early, with what it
 /// has reached, when the viewer goes to another slice, the tool changes, or the release was lost; and it is
 /// dropped when something else has changed the selection meanwhile.
 class GiPickRegion : public GiTool

@@ -152,7 +152,8 @@ void GiPickRegion::rotate3d()
     for (int i = 0; i < volume.getNumSlices(orientation); ++i) {
         McBox2i box = boxes[static_cast<std::size_t>(i)];
         if (i == slice || box.isEmpty()) continue;
-        // All slices turn about the same pixel, those that hold more than the one in view as a whole.
+        // All slices turn about the same pixel. One that holds more than the slice in view turns as a whole:
+        // the box at the press would cut the rest off.
         if (holds(startBox, box))
             box = startBox;
         else

@@ -2,8 +2,10 @@
 
 #include "editor/core/RandomVolume.h"
 #include "editor/display/DrawnEditor.h"
+#include "editor/tools/Allocations.h"
 #include "editor/tools/ViewerEvents.h"
 
+#include "hx/HxMessage.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiPickRegion.h"
 
@@ -414,10 +416,22 @@ TEST_F(PickedBlob, theCursorTellsWhatAPressWouldDo)
     EXPECT_EQ(shown(), turn) << "at once, without a move";
     key(McKeyboardEvent::kShift, 1);
     EXPECT_EQ(shown(), hand);
+    // The pointer is over another viewer, which it told before.
+    p.editor.buffer(2).setWindowSize(McVec2i(20, 20));
+    p.editor.buffer(2).setOffset(McVec2i(40, 40));
+    key(McKeyboardEvent::kControlLeft, 0);
+    EXPECT_EQ(shown(), hand);
+    p.editor.buffer(2).setWindowSize(McVec2i(60, 60));
+    p.editor.buffer(2).setOffset(McVec2i(0, 0));
     key(McKeyboardEvent::kControlLeft, 0);
     EXPECT_EQ(p.tool->getToolCursor()->shape(), Qt::ArrowCursor);
     key(McKeyboardEvent::kControlLeft, 1);
     EXPECT_EQ(shown(), hand);
+    p.select({{0, 0, 9}});
+    p.hover(0, 0);
+    EXPECT_EQ(shown(), hand);
+    p.send(McLeaveWindowEvent()); // tells no position, which is not the pixel (0, 0)
+    EXPECT_EQ(p.tool->getToolCursor()->shape(), Qt::ArrowCursor);
 }
 
 TEST_F(PickedBlob, otherButtonsAndPlacesDoNothing)
@@ -437,6 +451,45 @@ TEST_F(PickedBlob, otherButtonsAndPlacesDoNothing)
     McMotionEvent turn = motionEvent(2, at.x + 9, at.y);
     p.tool->handleEvent(&p.editor.buffer(2), &turn);
     EXPECT_FALSE(p.selected() == before);
+}
+
+TEST_F(PickedBlob, aPressByTheButtonAlonePicksWhereItIs)
+{
+    p.editor.labels()[p.plain.index(18, 18, 9)] = 5;
+    p.press(2, 2); // before, somewhere else
+    p.release();
+    const McVec2i at = p.editor.buffer(2).pixelCentre(18, 18);
+    McMouseButtonEvent press = buttonEvent(1, true, at.x, at.y);
+    press.left = 0; // as a host may leave it that fills in the button only
+    p.editor.gi.selection->clear();
+    p.editor.gi.updateSelectionBoxes();
+    p.editor.gi.redraw();
+    EXPECT_EQ(p.send(press), 1);
+    EXPECT_EQ(p.count(), 1);
+    EXPECT_TRUE(p.editor.gi.selection->get(18, 18, 9));
+}
+
+TEST_F(PickedBlob, aTurnThatFindsNoMemoryIsTakenBack)
+{
+    if (!Allocations::areSeen()) GTEST_SKIP() << "a checking allocator";
+    p.select({{0, 0, 3}, {19, 19, 3}}); // another slice, larger than the one in view
+    before = p.selected();
+    p.press(8, 8, true);
+    p.drag(12, 5);
+    EXPECT_FALSE(p.selected() == before);
+    std::string told;
+    HxMessage::getTheMsg()->setSink([&](const char* text) { told += text; });
+    McMouseButtonEvent release = buttonEvent(1, false, 0, 0);
+    {
+        const ShortOfMemory shortage(3000); // less than that slice's picture
+        EXPECT_EQ(p.editor.buffer(2).handleEvent(&release), 1);
+    }
+    HxMessage::getTheMsg()->setSink({});
+    EXPECT_NE(told.find("Not enough memory"), std::string::npos) << told;
+    EXPECT_FALSE(p.tool->isDragging());
+    EXPECT_TRUE(p.selected() == before);
+    EXPECT_EQ(p.editor.gi.undoActions.size(), 0);
+    p.checkPictures();
 }
 
 TEST_F(PickedBlob, aDragThatIsCutShortKeepsWhatItHasReached)
