@@ -13,6 +13,7 @@
 #include "tools/GiScreenOutline.h"
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -25,12 +26,17 @@ class SelectionTest
 {
 public:
     explicit SelectionTest(GiScreenOutline& tested) : outline(tested) { outline.startSelectionTest(); }
-    ~SelectionTest() { outline.stopSelectionTest(); }
+    ~SelectionTest() { stop(); }
+    void stop()
+    {
+        if (std::exchange(isRunning, false)) outline.stopSelectionTest();
+    }
     SelectionTest(const SelectionTest&) = delete;
     SelectionTest& operator=(const SelectionTest&) = delete;
 
 private:
     GiScreenOutline& outline;
+    bool isRunning = true;
 };
 
 McVec3f transformed(const McVec3f& p, const Matrix& m)
@@ -72,6 +78,9 @@ struct ParallelRow
 };
 
 /// The same by a perspective camera: the step is one in front of the camera, the division comes last.
+///
+/// kept: voxels behind the camera count where their mirror image is seen. Outlines are drawn around whole
+/// objects, from outside; to look at each voxel's side would cost all of them something.
 struct PerspectiveRow
 {
     PerspectiveRow(const GiScreenOutline& outline, const HxLatticeCoords& coords)
@@ -119,7 +128,7 @@ void visitVoxels(Row row, const HxLatticeCoords& coords, const unsigned long* di
 void GiLasso::viewerSelect(GiScreenOutline& outline)
 {
     if (!gi->imageLattice) return;
-    const SelectionTest test(outline);
+    SelectionTest test(outline);
     gi->saveUndoInformationForVolume(1, 0, nullptr); // selection, not labels
     const GiBusy busy("Selecting points...");
 
@@ -139,6 +148,7 @@ void GiLasso::viewerSelect(GiScreenOutline& outline)
     else
         visitVoxels(ParallelRow{outline, {}, {}}, coords, dims, bytesPerRow, voxel, action.callback);
 
+    test.stop(); // listeners may draw over the view
     gi->touchData(1, 0, 0, -1, 0, 1);
     gi->updateSelectionBoxes();
     gi->redraw();

@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -17,7 +18,11 @@ class DiscOutline : public GiScreenOutline
 {
 public:
     void startSelectionTest() override { ++tests; }
-    void stopSelectionTest() override { --tests; }
+    void stopSelectionTest() override
+    {
+        --tests;
+        if (onStop) onStop();
+    }
     bool isSelected(const McVec2f& p) const override
     {
         EXPECT_EQ(tests, 1);
@@ -32,7 +37,7 @@ public:
     }
     void getMatrices(Matrix& affine, Matrix& projection) const override
     {
-        std::copy_n(&kAffine[0][0], 16, &affine[0][0]);
+        std::copy_n(&camera[0][0], 16, &affine[0][0]);
         std::copy_n(&kProjection[0][0], 16, &projection[0][0]);
         projection[0][1] = skew;
     }
@@ -45,7 +50,7 @@ public:
             return {static_cast<double>(at.x), static_cast<double>(at.y)};
         }
         double v[4] = {static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z), 1};
-        for (const Matrix* m : {&kAffine, &kProjection}) {
+        for (const Matrix* m : {&camera, &kProjection}) {
             double q[4] = {};
             for (int i = 0; i < 4; ++i)
                 for (int k = 0; k < 4; ++k) q[i] += v[k] * static_cast<double>((*m)[k][i]);
@@ -61,12 +66,12 @@ public:
     }
 
     static constexpr float kSquaredRadius = 0.04f;
-    static constexpr Matrix kAffine = {
-        {0.8f, 0.6f, 0, 0}, {-0.6f, 0.8f, 0, 0}, {0, 0, 1, 0}, {-1, -11, -40, 1}};
     static constexpr Matrix kProjection = {{2, 0, 0, 0}, {0, 2.5f, 0, 0}, {0, 0, -1.2f, -1}, {0, 0, -9, 0}};
     bool ctrl = false, shift = false, perspective = false;
+    Matrix camera = {{0.8f, 0.6f, 0, 0}, {-0.6f, 0.8f, 0, 0}, {0, 0, 1, 0}, {-1, -11, -40, 1}};
     float skew = 0;
     int tests = 0;
+    std::function<void()> onStop;
 };
 
 template <class T>
@@ -116,6 +121,10 @@ TYPED_TEST(LassoVolume, changesTheVoxelsThatAreSeenInsideOrOutside)
         editor.gi.clearUndo(1);
         editor.gi.touches.clear();
 
+        editor.gi.redraws = 0;
+        outline.onStop = [&] {
+            EXPECT_TRUE(editor.gi.touches.empty() && editor.gi.redraws == 0) << "listeners come later";
+        };
         lasso->viewerSelect(outline);
         EXPECT_EQ(outline.tests, 0);
         EXPECT_EQ(editor.gi.touches, (std::vector<TestGi::Touch>{{1, 0, 0, -1, 0, 1}}));
@@ -140,6 +149,29 @@ TYPED_TEST(LassoVolume, changesTheVoxelsThatAreSeenInsideOrOutside)
         editor.gi.undo();
         for (unsigned long i = 0; i < editor.size(); ++i) ASSERT_EQ(editor.gi.selection->isSet(i), before[i]);
     }
+}
+
+// kept: see the lasso's rows for a perspective camera.
+TEST(LassoVolumeCamera, inTheVolumeSeesWhatIsBehindItMirrored)
+{
+    DrawnEditor editor(13, 11, 9);
+    editor.setVoxelSize(1, 1.5f, 2);
+    editor.gi.setVolumeByte(editor.dims, 13, editor.labels(), editor.lattice());
+    auto* lasso = dynamic_cast<GiLasso*>(editor.gi.tools[GiLasso::kIndex]);
+    DiscOutline outline;
+    outline.perspective = true;
+    constexpr int kDepth = 7; // between two slices
+    outline.camera[3][2] = -kDepth;
+    lasso->viewerSelect(outline);
+    int behind = 0, before = 0;
+    for (int i = 0; i < static_cast<int>(editor.size()); ++i) {
+        const McVec3f at = editor.lattice()->coords()->position(i % 13, i / 13 % 11, i / 143);
+        const double d = DiscOutline::squaredDistance(outline.seen(at));
+        if (std::fabs(d - 0.04) < 1e-5) continue; // too close to the line to tell
+        ASSERT_EQ(editor.gi.selection->isSet(static_cast<unsigned long>(i)), d < 0.04) << "voxel " << i;
+        if (d < 0.04) ++(at.z > kDepth ? behind : before);
+    }
+    EXPECT_TRUE(behind > 2 && before > 2) << behind << ", " << before;
 }
 
 TEST(LassoVolumeCamera, warnsOnceOfAProjectionThatIsNotPlain)
