@@ -8,6 +8,7 @@
 #include "display/GiViewer.h"
 #include "hx/HxResource.h"
 #include "mc/McEvent.h"
+#include "mc/McMemoryException.h"
 #include "tools/giDrawOutline.h"
 
 #include <utility>
@@ -53,6 +54,7 @@ int GiLasso::handleEventFreehand(GiFrameBuffer& buffer, McEvent& event)
 {
     const bool isElsewhere = !path.isEmpty() && &buffer != frameBuffer;
     if (const auto* button = event.as<McButtonEvent>()) {
+        // A release goes where its press went, and that was swallowed.
         if (isElsewhere) return 1;
         if (button->pressed)
             addCorner(buffer, event);
@@ -76,6 +78,8 @@ void GiLasso::addCorner(GiFrameBuffer& buffer, const McEvent& event)
     const McVec2i at(event.x, event.y);
     McBox2i changed(at.x, at.y, at.x, at.y);
     if (path.isEmpty()) {
+        // kept: a click without a drag selects nothing and leaves its step all the same. Whoever undoes what
+        // he did counts presses, and cannot know which of them were too short.
         saveUndo(*buffer.viewer);
         selectionMode = modeOf(event);
         frameBuffer = &buffer;
@@ -92,7 +96,9 @@ void GiLasso::addCorner(GiFrameBuffer& buffer, const McEvent& event)
 void GiLasso::movePointer(GiFrameBuffer& buffer, const McEvent& event)
 {
     const McVec2i at(event.x, event.y), former = std::exchange(currentPos, at);
-    if (path.isEmpty()) return; // nothing was pressed here, whatever button is held
+    // The press was another's, such as the cross hair's, and so is the drag: no outline begins without a step
+    // of undo.
+    if (path.isEmpty()) return;
     McBox2i changed(at.x, at.y, at.x, at.y);
     changed.extendBy(former.x, former.y);
     changed.extendBy(path.last().x, path.last().y);
@@ -119,33 +125,50 @@ void GiLasso::finishInteraction(GiFrameBuffer& buffer)
         undoStep = nullptr;
         return;
     }
+    const bool selects = buffer.selection && path.size() >= kFewestPoints;
+    McDArray<McVec2f> centres;
+    try {
+        // Another undo or another slice in mid-gesture: the slice that changes now gets its own step.
+        const bool undoStands = isNewestStep() && undoSlice == buffer.viewer->getSlice();
+        if (selects && !undoStands) saveUndo(*buffer.viewer);
+        centres.resize(pathPixels.size());
+    } catch (const McMemoryException&) {
+        abandon();
+        throw;
+    }
+    for (int i = 0; i < centres.size(); ++i)
+        centres[i] =
+            McVec2f(static_cast<float>(pathPixels[i].x) + 0.5f, static_cast<float>(pathPixels[i].y) + 0.5f);
     frameBuffer = nullptr;
     path.clear();
-    const McDArray<McVec2i> pixels = std::exchange(pathPixels, {});
-    if (buffer.selection && pixels.size() >= kFewestPoints) {
-        // Another undo or another slice in mid-gesture: the slice that changes now gets its own step.
-        if (!undoStands(*buffer.viewer)) saveUndo(*buffer.viewer);
-        McDArray<McVec2f> centres(pixels.size());
-        for (int i = 0; i < pixels.size(); ++i)
-            centres[i] =
-                McVec2f(static_cast<float>(pixels[i].x) + 0.5f, static_cast<float>(pixels[i].y) + 0.5f);
-        select(buffer, centres, selectionMode);
-    } else {
+    pathPixels.clear();
+    if (selects)
+        selectOutline(buffer, centres, selectionMode);
+    else
         gi->redraw(); // the marks go
-    }
     undoStep = nullptr;
 }
 
 /// outline  in pixels of the slice
-void GiLasso::select(GiFrameBuffer& buffer, const McDArray<McVec2f>& outline, GiSelectMode mode)
+void GiLasso::selectOutline(GiFrameBuffer& buffer, const McDArray<McVec2f>& outline, GiSelectMode mode)
 {
-    GiSelection2D& selection = *buffer.selection;
-    McBitfield mask;
-    if (gi->getMask(&buffer, mask))
-        selection.setSelection(outline.size(), outline.data(), mode, mask);
-    else
-        selection.setSelection(outline.size(), outline.data(), mode);
-    McBox2i box = selection.selectionBox;
+    undoStep = nullptr; // what it holds is the past from now on: the step stays
+    try {
+        McBitfield mask;
+        if (gi->getMask(&buffer, mask))
+            buffer.selection->setSelection(outline.size(), outline.data(), mode, mask);
+        else
+            buffer.selection->setSelection(outline.size(), outline.data(), mode);
+    } catch (const McMemoryException&) {
+        showSelection(buffer); // the marks go, and what was replaced may be gone
+        throw;
+    }
+    showSelection(buffer);
+}
+
+void GiLasso::showSelection(GiFrameBuffer& buffer)
+{
+    McBox2i box = buffer.selection->selectionBox;
     gi->updateSelectionBoxes(box, buffer.viewer);
     gi->redraw();
     gi->touchData(1, 0, buffer.viewer->getOrientation(), buffer.viewer->getSlice(), 0, 0);
@@ -158,10 +181,19 @@ void GiLasso::saveUndo(GiViewer& viewer)
     undoSlice = viewer.getSlice();
 }
 
-bool GiLasso::undoStands(const GiViewer& viewer) const
+bool GiLasso::isNewestStep() const
 {
-    return undoStep && !gi->undoActions.isEmpty() && gi->undoActions.last() == undoStep.get() &&
-           undoSlice == viewer.getSlice();
+    return undoStep && !gi->undoActions.isEmpty() && gi->undoActions.last() == undoStep.get();
+}
+
+/// The step of an outline that has not changed anything: undoing it would seem to do nothing.
+void GiLasso::dropUndo()
+{
+    if (isNewestStep()) {
+        gi->undoActions.pop()->unref();
+        gi->updateUndoSensitivity();
+    }
+    undoStep = nullptr;
 }
 
 // What is on screen
@@ -215,7 +247,9 @@ void GiLasso::keepUpWithZoom(const GiFrameBuffer& buffer)
 {
     if (pathZoom == buffer.zoomedSize) return;
     pathZoom = buffer.zoomedSize;
-    for (int i = 0; i < path.size(); ++i) path[i] = buffer.pixelCentre(pathPixels[i].x, pathPixels[i].y);
+    for (int i = 0; i < path.size(); ++i)
+        path[i] = isTracing() ? tracePosition(buffer, pathPixels[i])
+                              : buffer.pixelCentre(pathPixels[i].x, pathPixels[i].y);
     if (!path.isEmpty()) currentPos = path.last();
 }
 
@@ -232,9 +266,8 @@ void GiLasso::abandon()
     GiFrameBuffer* marked[] = {std::exchange(frameBuffer, nullptr), std::exchange(shapeBuffer, nullptr)};
     path.clear();
     pathPixels.clear();
-    undoStep = nullptr;
-    scissors.currentCost = -1;
-    hasTraceEnd = false;
+    dropUndo();
+    stopTracing();
     ellipseActive = rectangleActive = false;
     for (GiFrameBuffer* buffer : marked) {
         if (!buffer || isGone(buffer)) continue;

@@ -14,6 +14,7 @@
 #include <QPointer>
 
 class GiAction;
+class GiGreyImage;
 class GiScreenOutline;
 class GiViewer;
 
@@ -26,7 +27,7 @@ class GiViewer;
 ///
 /// A gesture belongs to the viewer where it began: other viewers swallow what reaches them meanwhile. The
 /// outline keeps to its pixels when the picture is zoomed or moved. It goes, and selects nothing, when the
-/// tool, the orientation or the data change.
+/// tool, the orientation or the data change, or when memory runs out under it.
 class GiLasso : public QObject, public GiTool
 {
     Q_OBJECT
@@ -57,7 +58,10 @@ public:
     static int neuroTraceMode;
 
 public slots:
-    /// Takes over the state of the boxes "Auto trace" and "Trace edges".
+    /// Takes over the state of the boxes "Auto trace" and "Trace edges". What is fixed of an outline under
+    /// way stays: it goes on with the new costs, or by hand. Without memory for the costs there is a message,
+    /// and tracing is off.
+    ///
     /// on  whether to trace, while there is no panel
     void setAutoTrace(bool on);
     /// A button of the row "2D Shape:" was clicked. A gesture under way goes on.
@@ -96,9 +100,13 @@ private:
     // Auto trace
     bool isTracing() const { return scissors.currentCost != -1; }
     bool traceEdges() const;
+    static McVec2i tracePosition(const GiFrameBuffer& buffer, const McVec2i& pixel);
     int handleEventAutoTrace(GiFrameBuffer& buffer, McEvent& event);
     bool initAutoTracing(GiViewer& viewer);
-    void startAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel);
+    bool hasCostsOf(const GiViewer& viewer, const GiGreyImage& image) const;
+    void goOnWithTrace();
+    void stopTracing();
+    void startAutoTracing(GiFrameBuffer& buffer, const McEvent& event, const McVec2i& pixel);
     void updateAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel);
     McBox2i changeOfTrace(const McVec2i& end);
     McBox2i startOfTrace(const McVec2i& first) const;
@@ -127,9 +135,11 @@ private:
     static GiSelectMode modeOf(const McEvent& event);
     void keepUpWithView();
     void keepUpWithZoom(const GiFrameBuffer& buffer);
-    void select(GiFrameBuffer& buffer, const McDArray<McVec2f>& outline, GiSelectMode mode);
+    void selectOutline(GiFrameBuffer& buffer, const McDArray<McVec2f>& outline, GiSelectMode mode);
+    void showSelection(GiFrameBuffer& buffer);
     void saveUndo(GiViewer& viewer);
-    bool undoStands(const GiViewer& viewer) const;
+    bool isNewestStep() const;
+    void dropUndo();
     void abandon();
     bool isGone(const GiFrameBuffer* buffer) const;
     void enableBoxes();
@@ -149,13 +159,12 @@ private:
     int costSlice = -1; // the slice whose costs the scissors have; -1: to be made anew
     float costWindow[2] = {0, 0};
     McVec2i costSize;
+    int costOrientation = 0;
     const void* costData = nullptr;    // the image's memory at that moment; only compared
     McDArray<unsigned char> costImage; // the scissors read it while they search; the viewer's own may go
-    IScissors scissors;
-    bool hasTraceEnd = false;
-    McVec2i traceEnd; // the end of the trace that is on screen
 
     DrawingMode drawingMode = kFreehand;
+    int insideOutMode = 0;                // 3D: 0 selects inside, 1 outside
     McVec2i ellipseStart, rectangleStart; // pixels of the slice
     bool ellipseActive = false, rectangleActive = false;
     bool ellipseFromCenter = false, rectangleFromCenter = false;
@@ -164,7 +173,12 @@ private:
     View shapeView;
     McBox2i shapeBox; // what it covers on screen
 
-    int insideOutMode = 0; // 3D: 0 selects inside, 1 outside
+    IScissors scissors;
+    McVec2i anchor; // the seed of the trace
+    bool hasTraceEnd = false;
+    McVec2i traceEnd;            // the end of the trace that is on screen
+    McDArray<McVec2i> tracePath; // from a pixel to the seed; kept for its memory
+
     QPointer<QAbstractButton> ellipseButton, rectangleButton, outsideButton;
     QPointer<QCheckBox> autoTraceBox, traceEdgesBox;
 };

@@ -1,6 +1,8 @@
 // Lasso: its panel.
 
 #include "core/Gi.h"
+#include "hx/HxMessage.h"
+#include "mc/McMemoryException.h"
 #include "tools/GiLasso.h"
 
 #include <QButtonGroup>
@@ -92,12 +94,23 @@ void GiLasso::enableBoxes()
 
 void GiLasso::setAutoTrace(bool on)
 {
-    if (isTracing()) abandon(); // its costs go
+    keepUpWithView();
     autoTrace = autoTraceBox ? autoTraceBox->isChecked() : on;
     enableBoxes();
     costSlice = -1;
     GiViewer* viewer = gi->getCurrentViewer();
-    if (autoTrace && viewer) initAutoTracing(*viewer);
+    const bool wasTracing = isTracing();
+    try {
+        if (wasTracing)
+            goOnWithTrace();
+        else if (autoTrace && viewer)
+            initAutoTracing(*viewer);
+    } catch (const McMemoryException& exception) { // Qt's event loop takes none
+        HxMessage::getTheMsg()->memError(exception.size());
+        autoTrace = false;
+        if (wasTracing) goOnWithTrace();
+        if (autoTraceBox) autoTraceBox->setChecked(false); // comes here again, with nothing to do
+    }
 }
 
 void GiLasso::setDrawingMode(QAbstractButton* button)

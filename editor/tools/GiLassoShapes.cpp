@@ -1,7 +1,8 @@
 // Lasso: ellipse and rectangle, dragged with the left button.
 //
 // kept: neither of them saves an undo step. They are quick to draw again, and dragging one over and over
-// until it fits must not push the steps of slow outlines off the end of the undo list.
+// until it fits must not push the steps of slow outlines off the end of the undo list. So a mere click, which
+// encloses nothing, empties the slice for good unless Shift or Control is held.
 
 #include "core/Gi.h"
 #include "display/GiFrameBuffer.h"
@@ -42,6 +43,9 @@ McDArray<McVec2f> ellipse(const McVec2i& start, const McVec2i& end, bool fromCen
     return points;
 }
 
+/// kept: corners are those of pixels, the upper left ones, so the row and column of the lower right end are
+/// left out. Areas are as large as the way of the pointer, and two rectangles that share a corner do not
+/// overlap. Dragged from the center to the upper left, one reaches the last row and column of a slice, too.
 McDArray<McVec2f> rectangle(const McVec2i& start, const McVec2i& end, bool fromCenter)
 {
     const McVec2f s(start), p(end);
@@ -101,8 +105,10 @@ void GiLasso::moveEllipse(const McVec2i& pixel)
 
 void GiLasso::stopEllipse(const McVec2i& pixel, GiSelectMode mode)
 {
-    if (!std::exchange(ellipseActive, false)) return;
-    selectShape(ellipse(ellipseStart, pixel, ellipseFromCenter), mode);
+    if (!ellipseActive) return;
+    const McDArray<McVec2f> outline = ellipse(ellipseStart, pixel, ellipseFromCenter);
+    ellipseActive = false;
+    selectShape(outline, mode);
 }
 
 int GiLasso::handleEventRectangle(GiFrameBuffer& buffer, McEvent& event)
@@ -138,8 +144,10 @@ void GiLasso::moveRectangle(const McVec2i& pixel)
 
 void GiLasso::stopRectangle(const McVec2i& pixel, GiSelectMode mode)
 {
-    if (!std::exchange(rectangleActive, false)) return;
-    selectShape(rectangle(rectangleStart, pixel, rectangleFromCenter), mode);
+    if (!rectangleActive) return;
+    const McDArray<McVec2f> outline = rectangle(rectangleStart, pixel, rectangleFromCenter);
+    rectangleActive = false;
+    selectShape(outline, mode);
 }
 
 void GiLasso::beginShape(GiFrameBuffer& buffer, const McVec2i& pixel)
@@ -170,7 +178,10 @@ void GiLasso::moveShape(const McVec2i& pixel)
 void GiLasso::selectShape(const McDArray<McVec2f>& outline, GiSelectMode mode)
 {
     GiFrameBuffer* buffer = std::exchange(shapeBuffer, nullptr);
-    if (buffer->selection) select(*buffer, outline, mode);
+    if (buffer->selection)
+        selectOutline(*buffer, outline, mode);
+    else
+        gi->redraw(); // the marks go
 }
 
 void GiLasso::renderShape(GiFrameBuffer& buffer) const

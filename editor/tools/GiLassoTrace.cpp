@@ -17,22 +17,26 @@ constexpr int kClosingDistance = 5; // screen pixels; a fixing click nearer to t
 // rarely on the edge itself.
 constexpr int kUnsettled = 3;
 
-McVec2i screenPosition(const GiFrameBuffer& buffer, const McVec2i& pixel)
+} // namespace
+
+/// Where a pixel of a trace is drawn.
+McVec2i GiLasso::tracePosition(const GiFrameBuffer& buffer, const McVec2i& pixel)
 {
     return McVec2i(buffer.columnStart(pixel.x), buffer.rowStart(pixel.y));
 }
 
-} // namespace
-
 int GiLasso::handleEventAutoTrace(GiFrameBuffer& buffer, McEvent& event)
 {
+    // Corners clicked before the box was checked are finished as they were begun, or continued by a trace.
+    if (!isTracing() && !path.isEmpty() && event.as<McKeyboardEvent>())
+        return handleEventFreehand(buffer, event);
     const auto* button = event.as<McButtonEvent>();
     const bool isElsewhere = frameBuffer && &buffer != frameBuffer;
     if (isElsewhere) return button != nullptr;
     const McVec2i pixel(buffer.dataColumn(event.x), buffer.dataRow(event.y));
     if (!isTracing()) {
         if (!McMouseButtonEvent::isButtonPressEvent(&event, kLeft)) return 0;
-        startAutoTracing(buffer, pixel);
+        startAutoTracing(buffer, event, pixel);
         return 1;
     }
     if (event.as<McLeaveWindowEvent>()) {
@@ -59,10 +63,8 @@ bool GiLasso::initAutoTracing(GiViewer& viewer)
     float window[2];
     viewer.getDataWindow(window[0], window[1]);
     const McVec2i size(static_cast<int>(image->width), static_cast<int>(image->height));
-    // kept: the orientation is not compared. Slices of one number and size share their costs, also across
-    // orientations; the boxes of the panel and a change of slice, window or image renew them.
-    const bool isCurrent = viewer.getSlice() == costSlice && std::equal(window, window + 2, costWindow) &&
-                           size == costSize && gi->imageSlices.data() == costData;
+    const bool isCurrent =
+        std::equal(window, window + 2, costWindow) && size == costSize && hasCostsOf(viewer, *image);
     if (isCurrent) return true;
     costSlice = -1; // in case that memory runs out
     costImage.resize(size.x * size.y);
@@ -72,17 +74,55 @@ bool GiLasso::initAutoTracing(GiViewer& viewer)
     costSlice = viewer.getSlice();
     std::copy_n(window, 2, costWindow);
     costSize = size;
+    costOrientation = viewer.getOrientation();
     costData = gi->imageSlices.data();
     return true;
 }
 
-void GiLasso::startAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel)
+/// kept: the orientation is not compared, so that the gradients computed so far survive when the user goes
+/// back and forth between viewers. Only cubes at equal slice numbers can show a difference, and a notch of
+/// the wheel or a box of the panel renews the costs. In the same orientation the picture tells if values have
+/// changed.
+bool GiLasso::hasCostsOf(const GiViewer& viewer, const GiGreyImage& image) const
+{
+    if (viewer.getSlice() != costSlice || gi->imageSlices.data() != costData) return false;
+    return viewer.getOrientation() != costOrientation ||
+           std::equal(costImage.begin(), costImage.end(), image.grey);
+}
+
+void GiLasso::startAutoTracing(GiFrameBuffer& buffer, const McEvent& event, const McVec2i& pixel)
 {
     hasTraceEnd = false;
     if (!initAutoTracing(*buffer.viewer) || !scissors.start(pixel.x, pixel.y)) return;
     frameBuffer = &buffer;
     pathView = viewOf(buffer);
-    if (path.isEmpty()) pathZoom = buffer.zoomedSize;
+    anchor = pixel;
+    if (!path.isEmpty()) return;
+    pathZoom = buffer.zoomedSize;
+    selectionMode = modeOf(event); // should it be finished by hand
+}
+
+/// The panel has changed what is traced, or whether.
+void GiLasso::goOnWithTrace()
+{
+    if (!autoTrace && !path.isEmpty()) {
+        stopTracing();
+        currentPos = path.last();
+    } else if (autoTrace && initAutoTracing(*frameBuffer->viewer) && scissors.start(anchor.x, anchor.y)) {
+        hasTraceEnd = hasTraceEnd && scissors.isValid(traceEnd.x, traceEnd.y);
+        if (hasTraceEnd) changeOfTrace(traceEnd);
+    } else {
+        abandon();
+        return;
+    }
+    frameBuffer->render(nullptr);
+    frameBuffer->paste();
+}
+
+void GiLasso::stopTracing()
+{
+    scissors.currentCost = -1;
+    hasTraceEnd = false;
 }
 
 void GiLasso::updateAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel)
@@ -122,9 +162,10 @@ McBox2i GiLasso::startOfTrace(const McVec2i& first) const
 void GiLasso::renderAutoTrace(GiFrameBuffer& buffer)
 {
     if (!isTracing() || !hasTraceEnd) return;
-    McVec2i pixel = traceEnd, at = screenPosition(buffer, pixel);
-    while (scissors.next(pixel.x, pixel.y)) {
-        const McVec2i before = screenPosition(buffer, pixel);
+    scissors.getPath(traceEnd.x, traceEnd.y, tracePath);
+    McVec2i at = tracePosition(buffer, traceEnd);
+    for (const McVec2i& pixel : tracePath) {
+        const McVec2i before = tracePosition(buffer, pixel);
         giDrawSegment(buffer, at, before);
         at = before;
     }
@@ -141,16 +182,10 @@ McVec2i GiLasso::traceEndAt(const McVec2i& pixel)
 /// Appends the way from the seed to a pixel, both left out.
 void GiLasso::appendAutoTraceToPath(const GiFrameBuffer& buffer, const McVec2i& pixel)
 {
-    int n = 0;
-    for (McVec2i p = pixel; scissors.next(p.x, p.y);) ++n;
-    const int former = path.size();
-    path.resize(former + n);
-    pathPixels.resize(former + n);
-    McVec2i p = pixel;
-    for (int i = path.size() - 1; i >= former; --i) {
-        scissors.next(p.x, p.y);
-        pathPixels[i] = p;
-        path[i] = screenPosition(buffer, p);
+    scissors.getPath(pixel.x, pixel.y, tracePath);
+    for (int i = tracePath.size() - 1; i > 0; --i) { // the first one is the pixel itself
+        path.append(tracePosition(buffer, tracePath[i]));
+        pathPixels.append(tracePath[i]);
     }
 }
 
@@ -164,7 +199,7 @@ void GiLasso::resetAutoTracing(GiFrameBuffer& buffer, const McEvent& event, cons
             return;
         }
     }
-    McVec2i anchor = traceEndAt(pixel);
+    anchor = traceEndAt(pixel);
     McBox2i unfixed(anchor.x, anchor.y, anchor.x, anchor.y);
     // Without a move before the click the way there was never drawn.
     if (scissors.isValid(anchor.x, anchor.y)) unfixed.extendBy(changeOfTrace(anchor));
@@ -181,11 +216,10 @@ void GiLasso::resetAutoTracing(GiFrameBuffer& buffer, const McEvent& event, cons
 
 void GiLasso::stopAutoTracing(GiFrameBuffer& buffer, const McEvent& event, const McVec2i& pixel)
 {
+    saveUndo(*buffer.viewer); // first: if there is no memory for it, the trace goes on
     selectionMode = modeOf(event);
     appendAutoTraceToPath(buffer, traceEndAt(pixel));
-    scissors.currentCost = -1;
-    hasTraceEnd = false;
-    saveUndo(*buffer.viewer);
+    stopTracing();
     finishInteraction(buffer);
     frameBuffer = nullptr;
 }

@@ -217,6 +217,7 @@ TEST_F(Lasso, otherToolsPlanesAndDataEndTheGesture)
             end.happens();
             editor.gi.setTool(GiLasso::kIndex);
             EXPECT_TRUE(isClean());
+            EXPECT_FALSE(editor.gi.canUndo()) << "nothing was changed";
             release(9, 15);
             EXPECT_EQ(count(), 0);
         }
@@ -312,6 +313,58 @@ TEST_F(Lasso, switchingTheShapeLeavesAGestureUnderWay)
     widget("wFreehandButton")->click();
     releaseAlt();
     EXPECT_EQ(count(), 110);
+}
+
+TEST_F(Lasso, anOutlineGivenUpKeepsTheStepThatAShapeHasMadeUseOf)
+{
+    openSquare();
+    widget("wRectangleButton")->click();
+    press(20, 20);
+    release(22, 22);
+    editor.gi.setTool(GiBrush::kIndex);
+    EXPECT_EQ(count(), 4);
+    editor.gi.undo();
+    EXPECT_EQ(count(), 0);
+}
+
+// kept: see the head of the lasso's shapes.
+TEST_F(Lasso, aClickAsAShapeEmptiesTheSlice)
+{
+    for (const char* shape : {"wEllipseButton", "wRectangleButton"}) {
+        widget(shape)->click();
+        mark({20, 20, 22, 22});
+        for (const Keys& keys : {kShift, kCtrl}) {
+            press(5, 5, keys);
+            release(5, 5, keys);
+            EXPECT_EQ(count(), 9);
+        }
+        press(5, 5);
+        release(5, 5);
+        EXPECT_EQ(count(), 0);
+        EXPECT_FALSE(editor.gi.canUndo());
+    }
+}
+
+// kept: see the lasso's rectangle.
+TEST_F(Lasso, aRectangleLeavesOutTheRowAndColumnOfItsLowerRightEnd)
+{
+    widget("wRectangleButton")->click();
+    press(0, 0);
+    release(39, 29);
+    EXPECT_EQ(count(), 39 * 29);
+    press(20, 15, kAlt);
+    release(0, 0);
+    EXPECT_EQ(count(), 40 * 30);
+}
+
+TEST_F(Lasso, cornersClickedBeforeAutoTraceIsCheckedAreFinishedByAlt)
+{
+    openSquare();
+    widget("wAutoTraceCheckBox")->click();
+    EXPECT_EQ(releaseAlt(false, 1), 1);
+    EXPECT_EQ(count(), 110);
+    EXPECT_FALSE(lasso->isDragging());
+    EXPECT_EQ(releaseAlt(), 0) << "and without an outline the key is not for the tool";
 }
 
 TEST_F(Lasso, masksTheMarkedPixelsOnly)

@@ -24,6 +24,14 @@ public:
         for (int i = 0; i < 3; ++i) engine.next(x, y);
         finish(x, y);
         engine.restart(x, y);
+        anchor = McVec2i(x, y);
+    }
+    /// Other costs from the last corner on.
+    void renew(GiViewer& viewer, IScissors::CostType type)
+    {
+        engine.init(static_cast<int>(viewer.getGreyImage()->width),
+                    static_cast<int>(viewer.getGreyImage()->height), grey.data(), type);
+        engine.start(anchor.x, anchor.y);
     }
     void finish(int x, int y)
     {
@@ -48,6 +56,7 @@ public:
 private:
     std::vector<unsigned char> grey;
     IScissors engine;
+    McVec2i anchor;
 };
 
 class LassoTrace : public Lasso
@@ -172,13 +181,13 @@ TEST_F(LassoTrace, onTheBorderTheShownTraceIsWhatAClickMeans)
 TEST_F(LassoTrace, theBoxesRenewTheCosts)
 {
     traceThreeCorners();
+    hover(9, 12);
     widget("wTraceEdgesCheckBox")->click();
-    EXPECT_TRUE(isClean()) << "a trace of other costs ends";
-    traceThreeCorners();
     hover(9, 14);
     press(9, 14, {}, 3);
-    PlainTrace plain(editor.viewer(2), IScissors::kFollowBright);
+    PlainTrace plain(editor.viewer(2), IScissors::kFollowEdges);
     plain.traceThreeCorners();
+    plain.renew(editor.viewer(2), IScissors::kFollowBright); // what is fixed stays
     plain.finish(9, 14);
     expectPixels(editor.viewer(2), Pixels(1200), plain.polygon(), {}, nullptr);
     release(9, 14, {}, 3);
@@ -192,6 +201,44 @@ TEST_F(LassoTrace, theBoxesRenewTheCosts)
     other.traceThreeCorners();
     other.finish(9, 14);
     expectPixels(editor.viewer(2), Pixels(1200), other.polygon(), {}, nullptr);
+}
+
+TEST_F(LassoTrace, withoutAutoTraceAnOutlineGoesOnByHand)
+{
+    traceThreeCorners();
+    hover(9, 12);
+    widget("wAutoTraceCheckBox")->click();
+    EXPECT_TRUE(lasso->isDragging());
+    press(2, 25);
+    release(2, 25);
+    PlainTrace plain(editor.viewer(2), IScissors::kFollowEdges);
+    plain.traceThreeCorners();
+    plain.outline.emplace_back(2.5f, 25.5f);
+    expectPixels(editor.viewer(2), Pixels(1200), plain.polygon(), {}, nullptr);
+    editor.gi.undo();
+    EXPECT_EQ(count(), 0);
+
+    widget("wAutoTraceCheckBox")->click();
+    fix(8, 6);
+    hover(20, 6);
+    widget("wAutoTraceCheckBox")->click();
+    EXPECT_FALSE(lasso->isDragging()) << "nothing was fixed";
+    EXPECT_EQ(orangePixels(), 0);
+}
+
+TEST_F(LassoTrace, valuesThatChangeInPlaceChangeTheCosts)
+{
+    traceThreeCorners();
+    send(McLeaveWindowEvent());
+    std::rotate(image.begin(), image.begin() + 3, image.end());
+    editor.viewer(2).setSlice(3, true);
+    PlainTrace plain(editor.viewer(2), IScissors::kFollowEdges);
+    plain.traceThreeCorners();
+    plain.finish(9, 14);
+    traceThreeCorners();
+    hover(9, 14);
+    press(9, 14, {}, 3);
+    expectPixels(editor.viewer(2), Pixels(1200), plain.polygon(), {}, nullptr);
 }
 
 TEST_F(LassoTrace, anotherImageUnderTheSameLabelsHasItsOwnCosts)
@@ -263,6 +310,9 @@ TEST_F(LassoTrace, staysOnItsPixelsAndInItsViewer)
     send(motionEvent(0, 4, 4), 1);
     EXPECT_EQ(send(buttonEvent(1, true, 4, 4), 1), 1);
     EXPECT_EQ(orangePixels(1), 0);
+    const McBox2i box = lasso->getBoundingBox();
+    editor.gi.setZoomFactor(8);
+    EXPECT_EQ(lasso->getBoundingBox(), McBox2i(2 * box.xmin, 2 * box.ymin, 2 * box.xmax, 2 * box.ymax));
     editor.gi.setZoomFactor(7);
     buffer().setWindowSize(McVec2i(60, 60));
     buffer().setOffset(McVec2i(60, 60));
