@@ -34,7 +34,6 @@ struct GiLassoAction
 /// primType  Gi's code of the image's element type
 ///
 /// kept: with masking, an image of unsigned 32-bit numbers is not compared. Whatever is inside is set then,
-/// whether it is meant to be added, taken away or left, and also where "Outside" without Shift would cut
-/// away: the outline does something that can be seen and undone, and it never takes away what the window
-/// would have spared.
+/// also with Control, and where "Outside" without Shift would cut away: the outline does something that can
+/// be seen and undone, and it never takes away what the window would have spared.
 GiLassoAction giLassoAction(bool outside, bool ctrl, bool shift, bool masks, int primType);

@@ -1,16 +1,22 @@
 # Outlines of every kind, drawn with mouse and keys in the viewers' windows.
 
-set channel [open scan.nrrd wb]
-puts -nonewline $channel "NRRD0004\ntype: uchar\ndimension: 3\nsizes: 24 20 16\nspacings: 1 1 1\nencoding: raw\n\n"
-for {set k 0} {$k < 16} {incr k} {
-    for {set j 0} {$j < 20} {incr j} {
-        for {set i 0} {$i < 24} {incr i} {
-            set inside [expr {$i >= 5 && $i <= 17 && $j >= 4 && $j <= 14 && $k >= 3 && $k <= 12}]
-            puts -nonewline $channel [binary format c [expr {$inside ? 120 : 10}]]
+# A bright block of 13 x 11 x 10 voxels.
+proc writeScan {file left} {
+    set channel [open $file wb]
+    puts -nonewline $channel \
+        "NRRD0004\ntype: uchar\ndimension: 3\nsizes: 24 20 16\nspacings: 1 1 1\nencoding: raw\n\n"
+    for {set k 0} {$k < 16} {incr k} {
+        for {set j 0} {$j < 20} {incr j} {
+            for {set i 0} {$i < 24} {incr i} {
+                set inside [expr {$i >= $left && $i <= $left + 12 && $j >= 4 && $j <= 14 && $k >= 3 && $k <= 12}]
+                puts -nonewline $channel [binary format c [expr {$inside ? 120 : 10}]]
+            }
         }
     }
+    close $channel
 }
-close $channel
+writeScan scan.nrrd 5
+writeScan moved.nrrd 9
 set labels [newLabels [load scan.nrrd]]
 segment $labels
 
@@ -77,16 +83,21 @@ gi clear 3d
 
 tool 2 widget wFreehandButton 1
 tool 2 widget wAutoTraceCheckBox 1
-foreach {viewer corners end} {2 {{5 4} {17 4} {17 14} {5 14}} {5 9} 0 {{4 3} {14 3} {14 12} {4 12}} {4 7}} {
+proc traceBlock {title viewer corners end} {
     clicks $viewer {} {*}$corners
     view $viewer event move {*}$end
     view $viewer event press {*}$end right
     view $viewer event release {*}$end right
-    show "traced along the edges of a block" $viewer
+    show $title $viewer
 }
+traceBlock "traced along the edges of a block" 2 {{5 4} {17 4} {17 14} {5 14}} {5 9}
+load moved.nrrd
+traceBlock "in another image, where it lies farther right" 2 {{9 4} {21 4} {21 14} {9 14}} {9 9}
+view 0 slice 12
+traceBlock "in another plane" 0 {{4 3} {14 3} {14 12} {4 12}} {4 7}
 clicks 2 {} {6 5} {12 5}
 view 2 event leave
-echo "left, the selection stays: [gi isVoxelSelected 9 9 8]"
+echo "left, the selection stays: [gi isVoxelSelected 12 9 8]"
 
 catch {tool 2 widget wEllipseButton 1; tool 2 widget wAutoTraceCheckBox 0} message
 echo $message
