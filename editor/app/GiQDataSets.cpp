@@ -4,7 +4,6 @@
 #include "app/GiQ.h"
 #include "app/GiQToolbox.h"
 #include "app/HxGiEditor.h"
-#include "app/giGuarded.h"
 #include "core/GiBusy.h"
 #include "display/GiViewer.h"
 #include "hx/HxLabelField3.h"
@@ -17,6 +16,7 @@
 #include "hx/HxSubApplication.h"
 #include "mc/McException.h"
 #include "mc/McInterface.h"
+#include "tools/giGuarded.h"
 
 #include <QComboBox>
 #include <QSignalBlocker>

@@ -2,10 +2,10 @@
 
 #include "app/GiQFrameBuffer.h"
 
-#include "app/giGuarded.h"
 #include "core/Gi.h"
 #include "display/GiViewer.h"
 #include "tools/GiTool.h"
+#include "tools/giGuarded.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -2,12 +2,12 @@
 // show, and which one the contour tools take for the gradient.
 
 #include "app/GiQ.h"
-#include "app/giGuarded.h"
 #include "hx/HxLattice3.h"
 #include "hx/HxMessage.h"
 #include "hx/HxRegScalarField3.h"
 #include "mc/McInterface.h"
 #include "mc/McMemoryException.h"
+#include "tools/giGuarded.h"
 
 #include <QAction>
 #include <QMenu>

@@ -4,13 +4,13 @@
 #include "app/GiQToolbox.h"
 #include "app/HxHTML.h"
 #include "app/QxViewerPanel.h"
-#include "app/giGuarded.h"
 #include "display/GiViewer.h"
 #include "filters/GiFilter.h"
 #include "hx/HxInterpreter.h"
 #include "hx/HxMessage.h"
 #include "hx/HxSettingsMgr.h"
 #include "hx/HxSkin.h"
+#include "tools/giGuarded.h"
 
 #include <QAction>
 #include <QActionGroup>

@@ -4,10 +4,10 @@
 #include "app/GiQ.h"
 #include "app/GiQTissueListItem.h"
 #include "app/GiQToolbox.h"
-#include "app/giGuarded.h"
 #include "hx/HxParamBundle.h"
 #include "qx/QxLockItemDelegate.h"
 #include "qx/QxMaterialNameItemDelegate.h"
+#include "tools/giGuarded.h"
 
 #include <QHeaderView>
 #include <QSignalBlocker>

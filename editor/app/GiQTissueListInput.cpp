@@ -5,7 +5,7 @@
 #include "app/GiQTissueListItem.h"
 #include "app/GiQToolbox.h"
 #include "app/QxPreferenceDialog.h"
-#include "app/giGuarded.h"
+#include "tools/giGuarded.h"
 
 #include <QKeyEvent>
 #include <QMenu>

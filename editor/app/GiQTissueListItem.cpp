@@ -3,11 +3,11 @@
 #include "app/GiMaterialView3D.h"
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
-#include "app/giGuarded.h"
 #include "hx/HxMatDatabase.h"
 #include "hx/HxParamBundle.h"
 #include "hx/HxResource.h"
 #include "qx/QxToolButton.h"
+#include "tools/giGuarded.h"
 
 #include <QCheckBox>
 #include <QFrame>

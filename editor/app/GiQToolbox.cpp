@@ -2,7 +2,6 @@
 
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
-#include "app/giGuarded.h"
 #include "display/GiViewer.h"
 #include "hx/HxColormap.h"
 #include "hx/HxInterpreter.h"
@@ -14,6 +13,7 @@
 #include "qx/QxColormapFullRangeSlider.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiTool.h"
+#include "tools/giGuarded.h"
 
 #include <QAbstractButton>
 #include <QAction>

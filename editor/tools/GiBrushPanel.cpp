@@ -1,6 +1,7 @@
 // Brush: its panel.
 
 #include "tools/GiBrush.h"
+#include "tools/giGuarded.h"
 
 #include <QBoxLayout>
 #include <QGridLayout>
@@ -68,12 +69,12 @@ void GiBrush::createWidget(QWidget* parent)
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(grid->rowCount(), 1);
 
-    connect(circle, &QRadioButton::clicked, this, &GiBrush::slotCircularBrush);
-    connect(square, &QRadioButton::clicked, this, &GiBrush::slotSquareBrush);
-    connect(hide, &QCheckBox::stateChanged, this, &GiBrush::slotHideBrush);
+    connect(circle, &QRadioButton::clicked, this, giGuardedSlot(this, &GiBrush::slotCircularBrush));
+    connect(square, &QRadioButton::clicked, this, giGuardedSlot(this, &GiBrush::slotSquareBrush));
+    connect(hide, &QCheckBox::stateChanged, this, giGuardedSlot(this, &GiBrush::slotHideBrush));
     // kept: the field does not move the slider, which would cut typed sizes to its own range.
     connect(slider, &QSlider::valueChanged, field, &QSpinBox::setValue);
-    connect(field, &QSpinBox::valueChanged, this, &GiBrush::slotBrushSizeChanged);
+    connect(field, &QSpinBox::valueChanged, this, giGuardedSlot(this, &GiBrush::slotBrushSizeChanged));
 }
 
 bool GiBrush::currentMaterialOnly() const

@@ -4,6 +4,7 @@
 #include "hx/HxMessage.h"
 #include "mc/McMemoryException.h"
 #include "tools/GiLasso.h"
+#include "tools/giGuarded.h"
 
 #include <QButtonGroup>
 #include <QGridLayout>
@@ -69,10 +70,10 @@ void GiLasso::createWidget(QWidget* parent)
     grid->setRowStretch(grid->rowCount(), 1);
     enableBoxes();
 
-    connect(autoTraceBox, &QCheckBox::toggled, this, &GiLasso::setAutoTrace);
-    connect(traceEdgesBox, &QCheckBox::toggled, this, &GiLasso::setAutoTrace);
-    connect(shapes, &QButtonGroup::buttonClicked, this, &GiLasso::setDrawingMode);
-    connect(modes, &QButtonGroup::buttonClicked, this, &GiLasso::setInsideOutMode);
+    connect(autoTraceBox, &QCheckBox::toggled, this, giGuardedSlot(this, &GiLasso::setAutoTrace));
+    connect(traceEdgesBox, &QCheckBox::toggled, this, giGuardedSlot(this, &GiLasso::setAutoTrace));
+    connect(shapes, &QButtonGroup::buttonClicked, this, giGuardedSlot(this, &GiLasso::setDrawingMode));
+    connect(modes, &QButtonGroup::buttonClicked, this, giGuardedSlot(this, &GiLasso::setInsideOutMode));
 }
 
 void GiLasso::adaptToForeignWindow()

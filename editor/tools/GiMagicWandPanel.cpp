@@ -5,6 +5,7 @@
 #include "hx/HxSettingsMgr.h"
 #include "mc/McString.h"
 #include "tools/GiMagicWand.h"
+#include "tools/giGuarded.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -59,10 +60,11 @@ void GiMagicWand::createWidget(QWidget* parent)
     rows->addLayout(bottom);
     rows->addStretch();
 
-    connect(allSlices, &QCheckBox::toggled, this, &GiMagicWand::update3D);
-    connect(sameMaterial, &QCheckBox::toggled, this, &GiMagicWand::update);
-    connect(fillInterior, &QCheckBox::toggled, this, &GiMagicWand::update);
-    connect(limitButton, &QToolButton::toggled, this, qOverload<bool>(&GiMagicWand::setLimitMode));
+    connect(allSlices, &QCheckBox::toggled, this, giGuardedSlot(this, &GiMagicWand::update3D));
+    connect(sameMaterial, &QCheckBox::toggled, this, giGuardedSlot(this, &GiMagicWand::update));
+    connect(fillInterior, &QCheckBox::toggled, this, giGuardedSlot(this, &GiMagicWand::update));
+    connect(limitButton, &QToolButton::toggled, this,
+            giGuardedSlot(this, qOverload<bool>(&GiMagicWand::setLimitMode)));
 }
 
 MagicWandSeed GiMagicWand::panelOptions() const

@@ -8,6 +8,7 @@
 #include "hx/HxSettingsMgr.h"
 #include "mc/McMemoryException.h"
 #include "tools/GiPixelTests.h"
+#include "tools/giGuarded.h"
 #include "tools/giSelectWindow.h"
 
 #include <QGridLayout>
@@ -77,7 +78,7 @@ void GiThreshold::createWidget(QWidget* parent)
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(2, 1);
 
-    connect(button, &QPushButton::clicked, this, &GiThreshold::compute);
+    connect(button, &QPushButton::clicked, this, giGuardedSlot(this, &GiThreshold::compute));
 }
 
 int GiThreshold::chosenMaterial() const

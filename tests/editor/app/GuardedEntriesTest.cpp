@@ -5,11 +5,11 @@
 #include "WindowSession.h"
 
 #include "app/GiQTissueList.h"
-#include "app/giGuarded.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiShape.h"
 #include "mc/McMemoryException.h"
 #include "qx/QxColormapFullRangeSlider.h"
+#include "tools/giGuarded.h"
 
 #include <QCheckBox>
 #include <QComboBox>
