@@ -138,6 +138,32 @@ TEST_F(MaterialCells, ANameIsTypedWithinTheRuleAndCommitted)
     EXPECT_FALSE(table.viewport()->findChild<QLineEdit*>());
 }
 
+TEST_F(MaterialCells, ANameThatCannotBeTypedCanBeMended)
+{
+    const QString longName(100, 'z');
+    table.item(0, 0)->setText(longName);
+    QLineEdit* line = edit(0);
+    line->end(false);
+    QTest::keyClicks(line, "y"); // it does not grow
+    EXPECT_EQ(line->text(), longName);
+    QTest::keyClick(line, Qt::Key_Backspace);
+    QTest::keyClick(line, Qt::Key_Backspace);
+    QTest::keyClicks(line, "y");
+    press(line, Qt::Key_Return);
+    EXPECT_EQ(name(), QString(98, 'z') + "y");
+    EXPECT_FALSE(table.viewport()->findChild<QLineEdit*>());
+
+    table.item(0, 0)->setText("Left\tLung");
+    press(edit(0), Qt::Key_Return); // nobody meant a change
+    EXPECT_EQ(name(), "Left\tLung");
+    line = edit(0);
+    line->end(false);
+    QTest::keyClick(line, Qt::Key_Backspace);
+    press(line, Qt::Key_Return);
+    EXPECT_EQ(name(), "LeftLun");
+    EXPECT_FALSE(table.viewport()->findChild<QLineEdit*>());
+}
+
 TEST_F(MaterialCells, ALockHasNoEditorAndStandsInTheMiddle)
 {
     table.setEditTriggers(QAbstractItemView::NoEditTriggers);
