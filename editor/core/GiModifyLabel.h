@@ -27,6 +27,8 @@ public:
 
     void execute() override;
     long getMemSize() override;
+    void labelsRenumbered() override { oldNumbers = true; }
+    bool hasOldNumbers() const override { return oldNumbers; }
 
     /// Compresses every slice of `volume`; returns the bytes of all streams.
     long rleCompress();
@@ -45,4 +47,5 @@ private:
     McRawData3D volume;
     McDArray<char*> rleSlices; // malloc'ed, owned
     long rleSize = 0;
+    bool oldNumbers = false;
 };

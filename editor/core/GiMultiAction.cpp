@@ -1,5 +1,7 @@
 #include "core/GiMultiAction.h"
 
+#include <algorithm>
+
 GiMultiAction::GiMultiAction() = default;
 
 GiMultiAction::~GiMultiAction()
@@ -25,4 +27,15 @@ long GiMultiAction::getMemSize()
     long sum = 0;
     for (GiAction* action : actions) sum += action->getMemSize();
     return sum;
+}
+
+void GiMultiAction::labelsRenumbered()
+{
+    for (GiAction* action : actions) action->labelsRenumbered();
+}
+
+bool GiMultiAction::hasOldNumbers() const
+{
+    return std::any_of(actions.begin(), actions.end(),
+                       [](const GiAction* action) { return action->hasOldNumbers(); });
 }

@@ -16,6 +16,8 @@ public:
 
     void execute() override;
     long getMemSize() override;
+    void labelsRenumbered() override;
+    bool hasOldNumbers() const override;
 
 private:
     McDArray<GiAction*> actions;

@@ -7,6 +7,7 @@
 #include "core/GiMultiAction.h"
 #include "core/GiOrientation.h"
 #include "hx/HxLabelLattice3.h"
+#include "hx/HxMessage.h"
 #include "mc/McRawData2D.h"
 
 namespace {
@@ -101,6 +102,10 @@ void Gi::undo()
         GiAction* newest = undoActions.last();
         undoActions.pop();
         newest->execute();
+        if (newest->hasOldNumbers())
+            HxMessage::getTheMsg()->printf("The labels that came back are older than the deletion of a "
+                                           "material. They have the numbers of "
+                                           "that time, which may be those of other materials by now.");
         // kept: an undone action is gone, redo does not get it. A snapshot holds one state only,
         // and a second snapshot for the way forward would double the cost of every undo.
         newest->unref();
