@@ -319,7 +319,9 @@ void GiQ::setSelectionDrawStyle(int style, int alpha)
 
 void GiQ::materialsChanged()
 {
-    if (materials) GiLabelImage::setColor(this, *materials);
+    if (!materials) return;
+    toolbox->tissueList->updateRows();
+    GiLabelImage::setColor(this, *materials);
     redraw();
 }
 

@@ -131,7 +131,7 @@ public:
     void setImageDataSet(HxData* image);
     /// Listens to changes of label and image data.
     void connectData();
-    /// Colours or names of materials changed: the colour table is read anew.
+    /// Materials changed elsewhere: the rows of the list and the colour table are read anew.
     void materialsChanged();
 
     /// Slices with a selection beside `current` along an orientation; `current` itself if there is none.

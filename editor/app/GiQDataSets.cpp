@@ -163,14 +163,18 @@ McDArray<HxData*> GiQ::imagesOfThisSize() const
 
 // Changes from outside
 
-void GiQ::slotDataTouched(unsigned int)
+void GiQ::slotDataTouched(unsigned int mask)
 {
     if (!imageData || !labelLattice) return;
     const auto* image = mcinterface_cast<HxLattice3>(imageData);
     const bool fits = image && sameDims(*image, *labelLattice) &&
                       std::equal(selection->dims, selection->dims + 3, labelLattice->dims());
+    const bool parametersChanged = mask & HxObject::kParametersChanged; // materials are parameters
     if (mode != kSubApplicationMode) {
-        if (!fits) editor->stopEditing();
+        if (!fits)
+            editor->stopEditing();
+        else if (parametersChanged)
+            materialsChanged();
         return;
     }
     QComboBox* box = toolbox->wLabelData;
@@ -178,7 +182,10 @@ void GiQ::slotDataTouched(unsigned int)
         if (comboObject(box, box->currentIndex()) == labelData) editor->stopEditing();
         return;
     }
-    if (fits) return; // a change of values needs no new binding
+    if (fits) { // a change of values needs no new binding
+        if (parametersChanged) materialsChanged();
+        return;
+    }
     disconnectData();
     labelData = nullptr; // the pair must not pass for the one that is bound already
     setLabelDataSA(box->currentIndex());

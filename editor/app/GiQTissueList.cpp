@@ -109,12 +109,9 @@ void GiQTissueList::setTissues(HxParamBundle* materials, int row)
         const QSignalBlocker filling(this);
         bundle = materials;
         pressRow = -1;
-        items.clear();
-        setRowCount(0);
+        while (rowCount() > 0) dropRow(rowCount() - 1);
         setUpHeader();
-        // A label is a byte: what follows the last one that it can name has no voxels and no entry in the
-        // tables.
-        const int n = bundle ? std::min(bundle->nBundles(), kMaxMaterials) : 0;
+        const int n = rowsNeeded();
         for (int i = 0; i < n; ++i) addRow();
         horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
         horizontalHeader()->setSectionResizeMode(kName, QHeaderView::Stretch);
@@ -125,6 +122,12 @@ void GiQTissueList::setTissues(HxParamBundle* materials, int row)
     selectionChanged();
 }
 
+int GiQTissueList::rowsNeeded() const
+{
+    // A label is a byte: what follows the last one that it can name has no voxels and no entry in the tables.
+    return bundle ? std::min(bundle->nBundles(), kMaxMaterials) : 0;
+}
+
 void GiQTissueList::addRow()
 {
     const int row = rowCount();
@@ -133,13 +136,43 @@ void GiQTissueList::addRow()
     applyVoid(row);
 }
 
-void GiQTissueList::appendTissue(HxParamBundle*)
+void GiQTissueList::dropRow(int row)
 {
+    // Of rows that just go, Qt keeps the addresses of the cells' widgets as those of editors that stay open.
+    // The editor of a name that gets one of these addresses later would never close.
+    for (int c = 0; c < kNumColumns; ++c) removeCellWidget(row, c);
+    items.erase(items.begin() + row);
+    removeRow(row);
+}
+
+/// One row for each material, however many came or went elsewhere. What the rows show is left as it is.
+void GiQTissueList::fitRows()
+{
+    const int n = rowsNeeded(), former = currentRow();
+    if (rowCount() == n) return;
+    const bool isFirst = rowCount() == 0;
+    if (rowCount() > n) notifyStop();
     {
+        // The row that Qt makes current meanwhile is nobody's choice.
         const QSignalBlocker filling(this);
-        addRow();
+        while (rowCount() > n) dropRow(rowCount() - 1);
+        while (rowCount() < n) addRow();
+        show3DStates();
     }
-    setTissue(rowCount() - 1);
+    if (isFirst || former >= n) setTissue(n - 1);
+}
+
+void GiQTissueList::updateRows()
+{
+    fitRows();
+    for (int row = 0; row < rowCount(); ++row) itemOf(row)->showColor(row);
+    updateMaterialVisibility();
+}
+
+void GiQTissueList::appendTissue(HxParamBundle* material)
+{
+    fitRows();
+    setTissue(bundle->index(material));
 }
 
 void GiQTissueList::applyVoid(int row)

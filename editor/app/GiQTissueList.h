@@ -70,8 +70,8 @@ public:
     /// Asks, then deletes the current material in favour of material 0, which itself stays.
     void removeTissue();
     /// Deletes material i without a question; its voxels become `replacement`, and higher labels go down by
-    /// one. This is also how two materials merge. Not recorded for undo. Indices that no material has, equal
-    /// ones, and the last remaining material are left alone.
+    /// one. This is also how two materials merge. Not recorded for undo. Indices that no material has or no
+    /// label can be, equal ones, and the last remaining material are left alone.
     void removeTissue(int i, int replacement);
     /// Moves the material of the row last pressed to another row; labels stay, and so does material 0.
     void moveTissue(int to);
@@ -83,6 +83,9 @@ public:
     /// Far from the colours of all materials, from black and from white.
     McColor bestNewColor() const;
 
+    /// Brings the rows up to date after somebody else has changed the bundles: as many as there are
+    /// materials, with their names and colors. The current row stays if it can.
+    void updateRows();
     /// Names, and rows of materials that are not to be shown, anew from the bundles.
     void updateMaterialVisibility();
     /// Locks and 2D boxes anew, after somebody else has written the controller's tables.
@@ -103,7 +106,7 @@ public:
     bool isLocked(int row) const;
     /// All but material 0.
     void lockAll(bool on);
-    /// Adds a row for a bundle, which is in the list's bundle already, and makes it current.
+    /// Makes a bundle that was added to the list's bundle current; it and all others without one get a row.
     void appendTissue(HxParamBundle* material);
 
 public slots:
@@ -127,7 +130,10 @@ private:
     void setUpTable();
     void setUpHeader();
     int heightOfRows(int rows) const;
+    int rowsNeeded() const;
+    void fitRows();
     void addRow();
+    void dropRow(int row);
     void applyVoid(int row);
     void refresh3DColor(int row);
     void show3DStates();
@@ -135,6 +141,7 @@ private:
     bool is3D() const;
     QByteArray freshName() const;
     void fillNewMaterial(HxParamBundle& material, const char* name) const;
+    void storeColor(int row, const McColor& color);
     void storeLongName(int row, const QByteArray& text);
     bool rename(int row, const QByteArray& name);
     void mergeInto(int row, HxParamBundle* other);

@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -90,7 +91,10 @@ void GiQTissueList::keyPressEvent(QKeyEvent* event)
 void GiQTissueList::handleKey(QKeyEvent* event)
 {
     const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
-    if (!gi || !bundleOf(currentRow()) || !plain) return QTableWidget::keyPressEvent(event);
+    // What takes or leaves voxels needs a material; the selection can be cleared without one.
+    const bool isForSelection = bundle && event->key() == Qt::Key_C;
+    if (!gi || !plain || !(bundleOf(currentRow()) || isForSelection))
+        return QTableWidget::keyPressEvent(event);
     switch (event->key()) {
     case Qt::Key_A:
     case Qt::Key_Plus:
@@ -139,9 +143,11 @@ void GiQTissueList::fillContextMenu(QMenu& menu, int row)
         menu.addAction(isLocked(row) ? tr("Unlock Material") : tr("Lock Material"))->setData(kToggleLock);
         menu.addSeparator();
     }
+    // kept: material 0 counts here, though the two entries leave it as it is. So each of them is there
+    // whenever one padlock in the list says that it could be, without an exception to learn.
     int locked = 0;
-    for (int i = 1; i < rowCount(); ++i) locked += isLocked(i); // these two leave material 0 as it is
-    if (locked < rowCount() - 1) menu.addAction(tr("Lock All"))->setData(kLockAll);
+    for (int i = 0; i < rowCount(); ++i) locked += isLocked(i);
+    if (locked < rowCount()) menu.addAction(tr("Lock All"))->setData(kLockAll);
     if (locked > 0) menu.addAction(tr("Unlock All"))->setData(kUnlockAll);
 }
 
@@ -188,11 +194,12 @@ void GiQTissueList::popupContextMenu(GiQTissueListItem* item, const QPoint& glob
     QMenu menu(this);
     menu.setObjectName("materialMenu");
     fillContextMenu(menu, item ? row : -1);
+    const QPointer<GiQTissueListItem> asked(item); // a script can delete its material meanwhile
     const QAction* chosen = menu.exec(globalPosition);
     isOpen = false;
-    if (!chosen) return;
+    if (!chosen || (item && !asked)) return;
     giGuarded(GiReport::kDialog, [&] {
-        runMenuEntry(chosen->data().toInt(), row);
+        runMenuEntry(chosen->data().toInt(), asked ? asked->row() : row);
         if (gi) gi->redraw();
     });
 }

@@ -105,10 +105,15 @@ void GiQTissueListItem::makeCells(int row)
 
 void GiQTissueListItem::fillCells(int row)
 {
-    setColor(colorOf(*list->bundleOf(row)));
+    showColor(row);
     setName(list->nameOf(row));
     showStates(row);
     enable3D(list->getView3D());
+}
+
+void GiQTissueListItem::showColor(int row)
+{
+    if (const HxParamBundle* material = list->bundleOf(row)) setColor(colorOf(*material));
 }
 
 void GiQTissueListItem::showStates(int row)
@@ -156,6 +161,7 @@ void GiQTissueListItem::setName(const QString& name)
 
 void GiQTissueListItem::setColor(const QColor& newColor)
 {
+    if (color == newColor) return; // style sheets take long
     color = newColor;
     colorFrame->setStyleSheet(QString("background-color: %1").arg(color.name()));
 }

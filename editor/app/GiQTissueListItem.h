@@ -29,6 +29,8 @@ public:
 
     /// Lock and 2D box as the controller's tables say of the item's row. Cheap if nothing has changed.
     void showStates(int row);
+    /// The color of the material of the item's row. Cheap if it has not changed.
+    void showColor(int row);
     /// Shows the name; the list is not told of an edit.
     void setName(const QString& name);
     void setColor(const QColor& newColor);

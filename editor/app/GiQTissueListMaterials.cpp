@@ -4,6 +4,7 @@
 #include "app/GiQ.h"
 #include "app/GiQTissueList.h"
 #include "app/GiQTissueListItem.h"
+#include "core/GiAction.h"
 #include "core/GiBusy.h"
 #include "core/giRemoveLabel.h"
 #include "display/GiLabelImage.h"
@@ -14,6 +15,7 @@
 #include "hx/HxSettingsMgr.h"
 #include "qx/HxColorEditor.h"
 
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 
@@ -28,6 +30,19 @@ QByteArray cleaned(const QByteArray& text)
 {
     return QByteArray(HxParameter(text.constData()).getName());
 }
+
+/// Blanks only change; a name that has lost characters may surprise its author.
+void tellNameRule(const QByteArray& text, const char* name)
+{
+    if (!text.isEmpty() && cleaned(text).size() == text.size()) return;
+    HxMessage::getTheMsg()->printf(
+        "A material is named by letters, digits and _-. alone: \"%s\" became \"%s\".", text.constData(),
+        name);
+}
+
+// While a question stands on the screen, scripts still come in: whoever asks holds the row's item by a
+// QPointer, and finds it empty if the row, its list or the data in it have gone meanwhile.
+using Asked = QPointer<GiQTissueListItem>;
 
 } // namespace
 
@@ -72,6 +87,7 @@ void GiQTissueList::addTissue(const char* name)
     auto* material = new HxParamBundle(wanted.constData());
     fillNewMaterial(*material, wanted.constData());
     bundle->insert(material);
+    if (name) tellNameRule(name, material->getName());
     appendTissue(material);
     updateColors();
     if (!gi) return;
@@ -111,27 +127,29 @@ void GiQTissueList::refresh3DColor(int row)
 
 void GiQTissueList::editColor(int row)
 {
-    HxParamBundle* material = bundleOf(row);
-    GiQTissueListItem* item = itemOf(row);
-    if (!material || !item) return;
-
-    const QColor present = item->getColor();
+    if (!bundleOf(row) || !itemOf(row)) return;
+    const Asked asked(itemOf(row));
+    const QColor present = asked->getColor();
     HxColorEditor editor(this);
     editor.setAlphaEnabled(false);
     editor.setColor(present.redF(), present.greenF(), present.blueF(), -1);
-    if (editor.exec()) {
-        const McColor chosen = editor.getColor();
-        const float rgb[3] = {chosen.r, chosen.g, chosen.b};
-        material->setColor(rgb);
-        item->setColor(QColor::fromRgbF(chosen.r, chosen.g, chosen.b));
-        if (gi && gi->labelData) {
-            gi->labelData->touch(HxObject::kAllChanged);
-            emit gi->colorChanged(gi->labelData, row);
-        }
-    }
+    const bool isChosen = editor.exec();
+    if (!asked) return;
+    row = asked->row();
+    if (isChosen) storeColor(row, editor.getColor());
     updateColors();
     refresh3DColor(row);
     if (gi) gi->redraw();
+}
+
+void GiQTissueList::storeColor(int row, const McColor& color)
+{
+    const float rgb[3] = {color.r, color.g, color.b};
+    bundleOf(row)->setColor(rgb);
+    itemOf(row)->setColor(QColor::fromRgbF(color.r, color.g, color.b));
+    if (!gi || !gi->labelData) return;
+    gi->labelData->touch(HxObject::kAllChanged);
+    emit gi->colorChanged(gi->labelData, row);
 }
 
 // ---- names
@@ -163,11 +181,7 @@ void GiQTissueList::nameChanged(int row, int column)
     const QByteArray former(material->getName());
     const QByteArray name = cleaned(text).isEmpty() ? cleaned(former) : cleaned(text);
     itemOf(row)->setName(QString::fromLocal8Bit(name));
-    // Blanks only change; a name that has lost characters may surprise its author.
-    if (name.size() != text.size() && !text.isEmpty())
-        HxMessage::getTheMsg()->printf(
-            "A material is named by letters, digits and _-. alone: \"%s\" became \"%s\".", text.constData(),
-            name.constData());
+    if (!text.isEmpty()) tellNameRule(text, name.constData()); // an empty one says: as it was
     if (!rename(row, name)) return;
     if (gi && former != material->getName()) gi->touchData(0, 1, -1, -1, -1, -1);
     notifyStop();
@@ -186,6 +200,7 @@ void GiQTissueList::storeLongName(int row, const QByteArray& text)
         return;
     }
     material->set("LongName", text.constData());
+    itemOf(row)->setName(nameOf(row)); // its tool tip, too
     if (gi) gi->touchData(0, 1, -1, -1, -1, -1);
 }
 
@@ -224,10 +239,13 @@ void GiQTissueList::mergeInto(int row, HxParamBundle* other)
     const McString text = McString::printf("A material called \"%s\" already exists.\n\n"
                                            "Do you want to merge the two materials?",
                                            other->getName());
+    const Asked asked(itemOf(row)), target(itemOf(bundle->index(other)));
     const bool merge = HxMessage::getTheMsg()->warning(text, "Yes", "No, cancel") == 0;
-    if (!merge) itemOf(row)->setName(nameOf(row));
+    if (!asked) return;
+    const bool canMerge = merge && target;
+    if (!canMerge) asked->setName(nameOf(asked->row()));
     notifyStop();
-    if (merge) removeTissue(row, bundle->index(other));
+    if (canMerge) removeTissue(asked->row(), target->row());
 }
 
 // ---- deleting
@@ -236,11 +254,12 @@ void GiQTissueList::removeTissue()
 {
     const int row = currentRow();
     if (row < 1 || !bundleOf(row)) return;
+    const Asked asked(itemOf(row));
     const McString text =
         McString::printf("Are you sure you want to remove material \"%s\" ?\n\n"
                          "Any such voxels will be assigned to \"%s\".",
                          nameOf(row).toLocal8Bit().constData(), nameOf(0).toLocal8Bit().constData());
-    if (HxMessage::getTheMsg()->question(text, "OK", "Cancel") == 0) removeTissue(row, 0);
+    if (HxMessage::getTheMsg()->question(text, "OK", "Cancel") == 0 && asked) removeTissue(asked->row(), 0);
 }
 
 /// The tables of all materials above a deleted one go down with their labels.
@@ -257,11 +276,14 @@ void GiQTissueList::moveTables(int from, int remaining)
     gi->visible3D[kLastEntry] = 0;
 }
 
-// kept: undo knows nothing of this, and its list stays. The entries before still fit the voxels that they
-// hold, if not the names; to lose them all at each deletion was found to be worse.
+// kept: this is no undo step, and the steps before stay. They hold labels by their old numbers: one that is
+// taken back later puts these among the new ones, in its slice or in the volume, and says so. To drop the
+// steps would be safe, but a merge of two names in the midst of work would cost all that was done before it.
 void GiQTissueList::removeTissue(int i, int replacement)
 {
-    if (!bundleOf(i) || !bundleOf(replacement) || i == replacement || !itemOf(i)) return;
+    fitRows();
+    // What has no row has no label that voxels could have or get.
+    if (!itemOf(i) || !itemOf(replacement) || i == replacement) return;
     notifyStop();
     const GiBusy busy("Reordering labels...");
     const int r = replacement - (replacement > i);
@@ -276,15 +298,17 @@ void GiQTissueList::removeTissue(int i, int replacement)
     material->setFlag(HxParamBase::kFixed, 0);
     bundle->remove(material);
     {
-        // The row that Qt makes current meanwhile is nobody's choice.
         const QSignalBlocker removing(this);
-        items.erase(items.begin() + i);
-        removeRow(i);
+        dropRow(i);
     }
+    const int remaining = bundle->nBundles();
+    if (gi) {
+        for (GiAction* step : gi->undoActions) step->labelsRenumbered();
+        moveTables(i, remaining);
+    }
+    fitRows(); // of more materials than labels, the first one without a label gets the last
     if (!gi) return setTissue(r);
 
-    const int remaining = bundle->nBundles();
-    moveTables(i, remaining);
     updateColors();
     gi->redraw();
     if (gi->labelLattice && gi->labelLattice->field())

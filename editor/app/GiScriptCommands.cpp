@@ -229,6 +229,8 @@ int material(Tcl_Interp* interp, int count, const char* const* words)
     if (index < 0 || index >= n)
         return fail(interp, "material: there is no material " + std::to_string(index) + "; there are " +
                                 std::to_string(n) + ", from 0.");
+    // Who adds a material without a word leaves the list behind.
+    if (!tissueList(*gi).itemOf(index)) tissueList(*gi).updateRows();
     const char* value = count == 4 ? words[3] : nullptr;
     const std::string what = words[2];
     if (what == "lock") return materialLock(interp, *gi, index, value);

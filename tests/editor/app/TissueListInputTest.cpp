@@ -84,6 +84,15 @@ TEST_F(TissueList, KeysMoveTheSelectionIntoTheMaterial)
     markFirst(4);
     QTest::keyClick(list, Qt::Key_C);
     EXPECT_EQ(numSelected(), 0u);
+
+    list->setCurrentCell(-1, -1); // no material to take them or to leave
+    markFirst(4);
+    const std::vector<int> before = voxelList();
+    for (const Qt::Key key : {Qt::Key_A, Qt::Key_Plus, Qt::Key_S, Qt::Key_Minus}) QTest::keyClick(list, key);
+    EXPECT_EQ(voxelList(), before);
+    EXPECT_EQ(numSelected(), 4u);
+    QTest::keyClick(list, Qt::Key_C);
+    EXPECT_EQ(numSelected(), 0u);
 }
 
 TEST_F(TissueList, CheckBoxesHideAndBringTheLastStyleBack)
@@ -125,7 +134,13 @@ TEST_F(TissueList, MenuOffersWhatFitsAndDoesIt)
     EXPECT_EQ(mixed.back(), "Unlock All");
     EXPECT_EQ(gi()->locked[0], 0);
     EXPECT_EQ(gi()->locked[5], 1);
+    // kept: the first material, which neither of the two locks or unlocks, counts.
+    EXPECT_EQ(menu(-1, "Unlock All"), (std::vector<std::string>{"New Material", "Lock All", "Unlock All"}));
+    clickCell(0, GiQTissueList::kLock);
+    EXPECT_EQ(menu(-1, "Lock All"), (std::vector<std::string>{"New Material", "Lock All", "Unlock All"}));
     EXPECT_EQ(menu(-1, "Unlock All"), (std::vector<std::string>{"New Material", "Unlock All"}));
+    EXPECT_EQ(gi()->locked[0], 1);
+    clickCell(0, GiQTissueList::kLock);
     EXPECT_EQ(gi()->locked[5], 0);
     menu(-1, "New Material");
     EXPECT_EQ(list->rowCount(), 7);

@@ -72,6 +72,7 @@ TEST_F(TissueList, TypedNamesStopAtTheLimitAndLoseWhatIsNotLegal)
     EXPECT_EQ(list->item(4, GiQTissueList::kName)->toolTip().toStdString(), "<p>" + long80 + "</p>");
     rename(4, "\u00c4u\u00dferes");
     EXPECT_EQ(names()[4], "\u00c4u\u00dferes");
+    EXPECT_EQ(list->item(4, GiQTissueList::kName)->toolTip(), QString::fromUtf8("<p>\u00c4u\u00dferes</p>"));
     EXPECT_STREQ(materials()->bundle(4)->getName(), "M4");
     rename(4, ""); // none at all would be no name
     EXPECT_EQ(names()[4], "\u00c4u\u00dferes");
@@ -164,5 +165,42 @@ TEST_F(TissueList, SaysWhichCharactersOfANameWereDropped)
         console.clear();
         list->item(1, GiQTissueList::kName)->setText(row.typed);
         EXPECT_EQ(console, row.remarks) << row.typed;
+    }
+}
+
+TEST_F(TissueList, ANewMaterialAlwaysHasANameAndTellsIfItIsAnother)
+{
+    const struct
+    {
+        const char* given;
+        std::string name;
+        bool isTold;
+    } rows[] = {{"Liver", "Liver", false},
+                {"left kidney", "left_kidney", false},
+                {"a/b", "ab", true},
+                {"%%%", "Material10", true},
+                {"", "Material11", true}};
+    for (const auto& row : rows) {
+        console.clear();
+        eval("gi newMaterial {" + std::string(row.given) + "}");
+        EXPECT_EQ(materials()->bundle(list->currentRow())->getName(), row.name);
+        const std::string told = "A material is named by letters, digits and _-. alone: \"" +
+                                 std::string(row.given) + "\" became \"" + row.name + "\".";
+        EXPECT_EQ(console, row.isTold ? std::vector{told} : std::vector<std::string>{});
+    }
+}
+
+// Widgets of cells have come and gone meanwhile, and an editor can stand where one of them was in memory.
+TEST_F(TissueList, ANamesEditorClosesHoweverOftenRowsWereMade)
+{
+    for (int i = 0; i < 50; ++i) {
+        list->setTissues(materials(), 1);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QTest::keyClick(list, Qt::Key_F2);
+        auto* line = list->viewport()->findChild<QLineEdit*>();
+        ASSERT_TRUE(line);
+        QTest::keyClick(line, Qt::Key_Return);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        ASSERT_FALSE(list->viewport()->findChild<QLineEdit*>()) << i;
     }
 }

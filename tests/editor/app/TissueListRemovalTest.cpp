@@ -72,8 +72,12 @@ TEST_F(TissueList, UndoGoesBackBehindADeletionAndLeavesItDone)
     EXPECT_EQ(voxels()[at], 5);
     list->removeTissue(3, 0);
     EXPECT_EQ(voxels()[at], 4);
+    console.clear();
     gi()->undo(); // of the transfer: all labels as they were, also those of which no material is left
     EXPECT_EQ(voxelList(), before);
+    ASSERT_EQ(console.size(), 1u);
+    EXPECT_EQ(console[0].rfind("The labels that came back are older than the deletion of a material.", 0),
+              0u);
     EXPECT_EQ(names(), (std::vector<std::string>{"Exterior", "M1", "M2", "Left Lung", "M5"}));
     gi()->redraw();
 }
@@ -100,4 +104,82 @@ TEST_F(TissueList, TheUserIsAskedBeforeADeletionAndTheFirstMaterialStays)
     click(toolbox().delMatButton);
     EXPECT_EQ(names(), (std::vector<std::string>{"Exterior", "M1", "M2", "M3", "M5"}));
     EXPECT_EQ(list->currentRow(), 0);
+}
+
+// kept: a step of one slice brings back the old numbers there and nowhere else.
+TEST_F(TissueList, UndoOfASliceBehindADeletionTellsOfTheOldNumbers)
+{
+    const std::vector<int> before = voxelList();
+    gi()->getCurrentViewer()->setSlice(0, true);
+    selection().set(0);
+    gi()->storeSelection(5, 0, 1);
+    list->removeTissue(2, 0);
+    std::vector<int> expected = before;
+    for (int i = 20; i < kVoxels; ++i) expected[i] = before[i] == 2 ? 0 : before[i] - (before[i] > 2);
+    selection().set(1);
+    gi()->storeSelection(1, 0, 1);
+    console.clear();
+    gi()->undo(); // a step of the new numbers
+    EXPECT_TRUE(console.empty());
+    gi()->undo();
+    EXPECT_EQ(console.size(), 1u);
+    EXPECT_EQ(voxelList(), expected);
+}
+
+TEST_F(TissueList, MaterialsBeyondTheLastLabelMoveUpWhenOneGoes)
+{
+    for (int i = 6; i < 300; ++i) materials()->insert(new HxParamBundle(("E" + std::to_string(i)).c_str()));
+    labels->touch(HxObject::kParametersChanged);
+    EXPECT_EQ(list->rowCount(), 256);
+    const std::vector<int> before = voxelList();
+    eval("gi deleteMaterial 5 299"); // no label can be that
+    eval("gi deleteMaterial 280 0");
+    EXPECT_EQ(materials()->nBundles(), 300);
+    EXPECT_EQ(voxelList(), before);
+
+    gi()->lockTissue(255, 1); // its entry in the tables stays behind for the newcomer
+    eval("gi deleteMaterial 3 0");
+    ASSERT_EQ(list->rowCount(), 256);
+    EXPECT_EQ(names()[254], "E255");
+    EXPECT_EQ(names()[255], "E256");
+    EXPECT_TRUE(list->isLocked(255));
+    EXPECT_EQ(eval("material 255 name"), "E256");
+}
+
+TEST_F(TissueList, AnAnswerIsForTheMaterialThatWasAskedAbout)
+{
+    addLabels("others");
+    const std::vector<std::string> all = {"Exterior", "M1", "M2", "M3", "Left Lung", "M5"};
+    const struct
+    {
+        const char* question;
+        const char* meanwhile; // by another script, while the question stands
+        std::vector<std::string> expected;
+    } rows[] = {
+        {"delete", "gi deleteMaterial 1 0", {"Exterior", "M2", "M3", "M5"}},
+        {"delete", "gi deleteMaterial 4 0", {"Exterior", "M1", "M2", "M3", "M5"}},
+        {"delete", "segment others image", all},
+        {"merge", "gi deleteMaterial 1 0", {"Exterior", "M3", "Left Lung", "M5"}},
+        {"merge", "gi deleteMaterial 2 0", {"Exterior", "M1", "M3", "Left Lung", "M5"}},
+        {"merge", "gi deleteMaterial 5 0", {"Exterior", "M1", "M2", "M3", "Left Lung"}},
+        {"merge", "segment others image", all},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.question) + ": " + row.meanwhile);
+        materials()->clear();
+        addMaterials(labels, 6);
+        materials()->bundle(4)->set("LongName", "Left Lung");
+        eval("segment labels image");
+        list->setTissues(materials(), 4);
+        HxMessage::setDialogHandler([&](const HxDialogRequest&) {
+            eval(row.meanwhile);
+            return 0;
+        });
+        if (row.question == std::string("delete"))
+            list->removeTissue();
+        else
+            list->item(2, GiQTissueList::kName)->setText("M5");
+        eval("segment labels image");
+        EXPECT_EQ(names(), row.expected);
+    }
 }

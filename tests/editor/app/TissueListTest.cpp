@@ -132,3 +132,44 @@ TEST_F(TissueList, IsEmptyWithoutDataAndTakesNoHarm)
     EXPECT_FALSE(QApplication::activePopupWidget());
     EXPECT_EQ(materials()->nBundles(), 6);
 }
+
+TEST_F(TissueList, RowsFollowWhatOthersDoToTheMaterials)
+{
+    list->setTissue(2);
+    eval("labels parameters Materials/Extra/Color {1 0 0}");
+    EXPECT_EQ(names(), (std::vector<std::string>{"Exterior", "M1", "M2", "M3", "Left Lung", "M5", "Extra"}));
+    EXPECT_EQ(list->currentRow(), 2);
+    EXPECT_EQ(gi()->currentTissue, 2);
+    eval("material 6 style2D 2");
+    EXPECT_EQ(gi()->drawStyle2D[6], 2);
+    EXPECT_EQ(gi()->materialColors[6][0], 255);
+
+    eval("labels parameters Materials/M1/Color {0 1 0}");
+    EXPECT_EQ(list->itemOf(1)->getColor().name(), "#00ff00");
+    EXPECT_TRUE(widgetIn<QFrame>(1, 0)->styleSheet().contains("#00ff00"));
+    EXPECT_EQ(gi()->materialColors[1][1], 255);
+    eval("labels parameters Materials/M1/LongName Heart");
+    eval("labels parameters Materials/M3/void 1");
+    EXPECT_EQ(names()[1], "Heart");
+    EXPECT_EQ(names()[3], "(M3)");
+
+    list->setTissue(6);
+    materials()->remove("Extra");
+    labels->touch(HxObject::kParametersChanged);
+    EXPECT_EQ(list->rowCount(), 6);
+    EXPECT_EQ(gi()->currentTissue, 5);
+
+    // Those who add without a word are met at the next command.
+    materials()->bundle("Silent1", 1);
+    eval("material 6 lock 1");
+    EXPECT_TRUE(list->isLocked(6));
+    materials()->bundle("Silent2", 1);
+    eval("gi newMaterial Liver");
+    EXPECT_EQ(names().back(), "Liver");
+    EXPECT_EQ(list->currentRow(), 8);
+    EXPECT_EQ(gi()->currentTissue, 8);
+    materials()->bundle("Silent3", 1);
+    eval("gi deleteMaterial 9 0");
+    EXPECT_EQ(list->rowCount(), 9);
+    EXPECT_EQ(materials()->nBundles(), 9);
+}
