@@ -29,10 +29,25 @@ LicImage::LicImage(const LicImage& other)
     *this = other;
 }
 
+LicImage::LicImage(LicImage&& other) noexcept
+{
+    swap(other);
+}
+
+/// In new memory first: the other one may wrap rows of this one.
 LicImage& LicImage::operator=(const LicImage& other)
 {
-    if (this == &other || !setSize(other.width, other.height, other.channels)) return *this;
-    for (int y = 0; y < height; ++y) std::memcpy(row(y), other.row(y), static_cast<std::size_t>(stride));
+    if (this == &other) return *this;
+    LicImage copy;
+    if (copy.setSize(other.width, other.height, other.channels)) copy.copyRows(other);
+    swap(copy);
+    return *this;
+}
+
+LicImage& LicImage::operator=(LicImage&& other) noexcept
+{
+    LicImage taken(std::move(other));
+    swap(taken);
     return *this;
 }
 
@@ -64,7 +79,7 @@ bool LicImage::setSize(int w, int h, int bytesPerPixel)
     return true;
 }
 
-void LicImage::swap(LicImage& other)
+void LicImage::swap(LicImage& other) noexcept
 {
     std::swap(buffer, other.buffer);
     std::swap(data, other.data);
@@ -74,10 +89,30 @@ void LicImage::swap(LicImage& other)
     std::swap(stride, other.stride);
 }
 
+bool LicImage::hasShapeOf(const LicImage& other) const
+{
+    return width == other.width && height == other.height && channels == other.channels;
+}
+
+void LicImage::copyRows(const LicImage& other)
+{
+    const auto bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(channels);
+    if (bytes == 0) return;
+    for (int y = 0; y < height; ++y) std::memcpy(row(y), other.row(y), bytes);
+}
+
+void LicImage::moveInto(LicImage& out)
+{
+    if (out.hasShapeOf(*this))
+        out.copyRows(*this);
+    else
+        out.swap(*this);
+}
+
 LicImage* LicImage::prepared(LicImage* out)
 {
     if (!out || out == this) return this;
-    if (out->width == width && out->height == height && out->channels == channels) return out;
+    if (out->hasShapeOf(*this)) return out;
     if (!out->setSize(width, height, channels)) return nullptr;
     out->clear();
     return out;
@@ -116,6 +151,7 @@ void LicImage::createRandom(int seed)
 
 void LicImage::colorToGray(LicImage* out)
 {
+    if (channels < 3 && (!out || out == this)) return;
     LicImage gray;
     if (channels < 3) {
         gray = *this;
@@ -127,14 +163,19 @@ void LicImage::colorToGray(LicImage* out)
                 pixels[x] = static_cast<unsigned char>(0.3 * color[0] + 0.59 * color[1] + 0.11 * color[2]);
         }
     }
-    (out ? out : this)->swap(gray);
+    gray.moveInto(out ? *out : *this);
 }
 
 void LicImage::brighten(int lo, int hi, LicImage* out)
 {
     assert(lo != hi);
-    LicImage* target = prepared(out);
-    if (!target) return;
+    if (out && !out->hasShapeOf(*this)) { // its memory, which goes, may be what is read here
+        LicImage result = *this;
+        result.brighten(lo, hi, nullptr);
+        out->swap(result);
+        return;
+    }
+    LicImage& target = out ? *out : *this;
     std::array<unsigned char, 256> table;
     for (std::int64_t p = 0; p < 256; ++p) {
         const std::int64_t spread = (p - lo) * 255 / (std::int64_t{hi} - lo);
@@ -143,7 +184,7 @@ void LicImage::brighten(int lo, int hi, LicImage* out)
     }
     for (int y = 0; y < height; ++y) {
         const unsigned char* from = row(y);
-        unsigned char* to = target->row(y);
+        unsigned char* to = target.row(y);
         for (int i = 0; i < width * channels; ++i) to[i] = table[from[i]];
     }
 }

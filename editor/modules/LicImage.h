@@ -11,9 +11,12 @@
 /// row, hold the rows in reverse.
 ///
 /// Operations with a result image `out` write it there, in the size of this image; an image of another size
-/// is given memory of its own for it. Without `out`, or with the image itself, they work in place.
+/// is given memory of its own for it. Without `out`, or with the image itself, they work in place. `out` may
+/// own the memory that this image wraps.
 ///
 /// Nothing throws. What cannot have its memory says so by its result, and is empty if it was to be resized.
+/// Constructors, copies, colorToGray() and brighten() have no result to say so: they failed if `data` is null
+/// while there should be pixels.
 class LicImage
 {
 public:
@@ -24,9 +27,11 @@ public:
     /// rowBytes  from one row to the next
     LicImage(int w, int h, int rowBytes, unsigned char* pixels);
     LicImage(int w, int h, int bytesPerPixel, int rowBytes, unsigned char* pixels);
-    /// A copy owns its pixels.
+    /// A copy owns its pixels. What takes another's place wraps what that one wrapped.
     LicImage(const LicImage& other);
+    LicImage(LicImage&& other) noexcept;
     LicImage& operator=(const LicImage& other);
+    LicImage& operator=(LicImage&& other) noexcept;
     ~LicImage();
 
     /// Takes own memory for rows without gaps; what it holds is undefined. Negative sizes count as 0.
@@ -64,7 +69,8 @@ public:
     ///
     /// box  null, or x-min, y-min, x-max, y-max, which are widened by the pixels
     /// out  is made a copy of the image, and filled in its place
-    /// returns the number of pixels; 0 if the pixel lies outside or has the value already
+    /// returns the number of pixels; 0 if the pixel lies outside or has the value already, or if there is not
+    /// enough memory
     ///
     /// kept: at most 10000 spans wait to be visited, further ones are forgotten. A very ragged region can
     /// stay partly unfilled; the memory of a fill is bounded in return.
@@ -80,7 +86,8 @@ public:
     /// readers, readPNM() included. Scripts that look at the values rely on one a pixel.
     /// returns false if the file could not be written
     bool writePNM(const char* path, int ascii) const;
-    /// Reads values of up to 255. A file that is broken or ends early leaves the image as it was.
+    /// Reads values of up to 255; larger ones take two bytes in a file, and are refused. An image without
+    /// pixels comes back as one. A file that is broken or ends early leaves the image as it was.
     /// returns false if nothing was read
     bool readPNM(const char* path);
 
@@ -94,7 +101,13 @@ public:
     int stride = 0;   // bytes per row
 
 private:
-    void swap(LicImage& other);
-    /// Gives a result image this image's size and returns it; null if there is not enough memory.
+    void swap(LicImage& other) noexcept;
+    bool hasShapeOf(const LicImage& other) const;
+    /// The pixels of an image of the same shape.
+    void copyRows(const LicImage& other);
+    /// Brings a finished result to its image: pixel by pixel if that has the size, else with its memory.
+    void moveInto(LicImage& out);
+    /// Gives a result image this image's size and returns it; null if there is not enough memory. The pixels
+    /// of this image may be gone with its former memory.
     LicImage* prepared(LicImage* out);
 };

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cctype>
+#include <cinttypes>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -38,10 +39,12 @@ bool isWritten(File& file, const char* path)
     return false;
 }
 
+/// Bytes that a file still has; those of a pipe cannot be told, and count as any number.
 std::int64_t bytesLeft(std::FILE* file)
 {
     struct stat status;
     if (fstat(fileno(file), &status) != 0) return 0;
+    if (!S_ISREG(status.st_mode)) return std::numeric_limits<std::int64_t>::max();
     return status.st_size - std::ftell(file);
 }
 
@@ -83,7 +86,7 @@ bool readHeader(std::FILE* file, PnmHeader& header)
     if (!readNumber(file, header.width) || !readNumber(file, header.height) || !readNumber(file, largest))
         return false;
     std::getc(file); // one byte ends the header
-    return header.width > 0 && header.height > 0 && largest > 0 && largest < 256;
+    return header.width >= 0 && header.height >= 0 && largest < 256;
 }
 
 /// Before memory is taken: a header can announce anything.
@@ -126,11 +129,17 @@ void writeText(std::FILE* file, const LicImage& image)
 
 void writeBytes(std::FILE* file, const LicImage& image)
 {
-    // Other numbers of channels than three are gray images to a file: the first byte of each pixel.
-    const int used = image.channels == 3 ? 3 : 1;
-    for (int y = image.height - 1; y >= 0; --y)
-        for (int x = 0; x < image.width; ++x)
-            std::fwrite(image.row(y) + x * image.channels, 1, static_cast<std::size_t>(used), file);
+    const bool isAsInTheFile = image.channels == 1 || image.channels == 3;
+    for (int y = image.height - 1; y >= 0; --y) {
+        const unsigned char* pixels = image.row(y);
+        const int n = image.width;
+        if (isAsInTheFile) {
+            std::fwrite(pixels, static_cast<std::size_t>(image.channels), static_cast<std::size_t>(n), file);
+            continue;
+        }
+        // Other numbers of channels are gray images to a file: the first byte of each pixel.
+        for (int x = 0; x < n; ++x) std::putc(pixels[x * image.channels], file);
+    }
 }
 
 } // namespace
@@ -172,20 +181,21 @@ bool LicImage::readPNM(const char* path)
 
 void LicImage::writeHistogram(const char* path) const
 {
-    std::array<int, 256> counts{};
-    double sum = 0, n = 0;
+    std::array<std::int64_t, 256> counts{};
     for (int y = 0; y < height; ++y)
-        for (int i = 0; i < width * channels; ++i) {
-            ++counts[row(y)[i]];
-            sum += row(y)[i];
-            ++n;
-        }
+        for (int i = 0; i < width * channels; ++i) ++counts[row(y)[i]];
+    std::int64_t sum = 0, n = 0;
+    for (std::size_t value = 0; value < counts.size(); ++value) {
+        sum += static_cast<std::int64_t>(value) * counts[value];
+        n += counts[value];
+    }
     File file(std::fopen(path, "w"));
     if (!file) {
         std::fprintf(stderr, "LicImage: Can't write histogram %s\n", path);
         return;
     }
     for (int value = 0; value < 256; ++value)
-        std::fprintf(file.get(), "%d %d\n", value, counts[static_cast<std::size_t>(value)]);
-    if (isWritten(file, path)) std::printf("Mean = %g\n", n > 0 ? sum / n : 0.0);
+        std::fprintf(file.get(), "%d %" PRId64 "\n", value, counts[static_cast<std::size_t>(value)]);
+    if (isWritten(file, path))
+        std::printf("Mean = %g\n", n > 0 ? static_cast<double>(sum) / static_cast<double>(n) : 0.0);
 }

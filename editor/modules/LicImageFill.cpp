@@ -90,10 +90,14 @@ private:
 
 int LicImage::floodFill(int x, int y, int value, int* box, LicImage* out)
 {
-    LicImage& target = out ? *out : *this;
-    if (&target != this) target = *this;
-    if (x < 0 || x >= target.width || y < 0 || y >= target.height || target.channels != 1) return 0;
-    const unsigned char old = target.row(y)[x], fresh = static_cast<unsigned char>(value);
+    if (out && out != this) {
+        LicImage copy = *this;
+        const int filled = copy.floodFill(x, y, value, box, nullptr);
+        copy.moveInto(*out);
+        return filled;
+    }
+    if (x < 0 || x >= width || y < 0 || y >= height || channels != 1) return 0;
+    const unsigned char old = row(y)[x], fresh = static_cast<unsigned char>(value);
     if (old == fresh) return 0;
-    return SeedFill(target, old, fresh, box).fill(x, y);
+    return SeedFill(*this, old, fresh, box).fill(x, y);
 }

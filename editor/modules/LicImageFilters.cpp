@@ -29,6 +29,7 @@ McDArray<float> gaussKernel(int size)
 
 int LicImage::convolve(int size, const float* kernel, LicImage* out)
 {
+    if (width == 0 || height == 0) return prepared(out) ? 1 : 0;
     return boundedconvolve(size, kernel, McBox2i(0, 0, width - 1, height - 1), out);
 }
 
@@ -37,8 +38,7 @@ int LicImage::boundedconvolve(int size, const float* kernel, const McBox2i& box,
     const McBox2i part = box.intersected(McBox2i(0, 0, width - 1, height - 1));
     if (part.isEmpty()) return 1;
     LicImage rows;
-    LicImage* target = prepared(out);
-    if (!target || !rows.setSize(part.width(), part.height(), channels)) return 0;
+    if (!rows.setSize(part.width(), part.height(), channels)) return 0;
     try {
         initPackedLuts(kernel, size);
     } catch (const McMemoryException&) {
@@ -48,6 +48,8 @@ int LicImage::boundedconvolve(int size, const float* kernel, const McBox2i& box,
     for (int y = 0; y < rows.height; ++y)
         for (int c = 0; c < channels; ++c)
             fastconv(row(part.ymin + y) + first + c, rows.width, channels, rows.row(y) + c);
+    LicImage* target = prepared(out); // only now: `out` may own what this image wraps
+    if (!target) return 0;
     fastconvColumns(rows.data, rows.stride, rows.height, rows.stride, target->row(part.ymin) + first,
                     target->stride);
     return 1;

@@ -3,7 +3,9 @@
 #include "modules/LicImage.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -58,8 +60,9 @@ TEST_F(LicImageFiles, ComeBackAsTheyWere)
     {
         int width, height, channels, text;
     };
-    for (const Case c : {Case{1, 1, 1, 0}, Case{1, 1, 1, 1}, Case{40, 23, 1, 0}, Case{40, 23, 1, 1},
-                         Case{40, 23, 3, 0}, Case{3, 50, 3, 0}}) {
+    for (const Case c :
+         {Case{1, 1, 1, 0}, Case{1, 1, 1, 1}, Case{40, 23, 1, 0}, Case{40, 23, 1, 1}, Case{40, 23, 3, 0},
+          Case{3, 50, 3, 0}, Case{0, 0, 1, 0}, Case{0, 7, 1, 1}, Case{7, 0, 3, 0}}) {
         image.setSize(c.width, c.height, c.channels);
         image.createRandom(7);
         ASSERT_TRUE(image.writePNM(path.c_str(), c.text));
@@ -67,6 +70,7 @@ TEST_F(LicImageFiles, ComeBackAsTheyWere)
         ASSERT_TRUE(read.readPNM(path.c_str()));
         EXPECT_EQ(read.channels, c.channels);
         EXPECT_EQ(read.width, c.width);
+        EXPECT_EQ(read.height, c.height);
         EXPECT_EQ(bytesOf(read), bytesOf(image));
     }
 }
@@ -103,6 +107,35 @@ TEST_F(LicImageFiles, ColorTextHoldsTheFirstChannelAlone)
     EXPECT_EQ(bytesOf(image), bytesOf(color));
 }
 
+TEST_F(LicImageFiles, FourChannelsAreGrayByTheirFirst)
+{
+    unsigned char pixels[] = {10, 20, 30, 40, 50, 60, 70, 80};
+    LicImage(2, 1, 4, 8, pixels).writePNM(path.c_str(), 0);
+    EXPECT_EQ(contents(), "P5\n2 1\n255\n\x0a\x32");
+}
+
+TEST_F(LicImageFiles, ComeThroughPipes)
+{
+    for (const char* text : {"P5\n3 2\n255\nabcdef", "P2\n3 2\n255\n97 98 99\n100 101 102\n"}) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        ASSERT_EQ(write(ends[1], text, std::strlen(text)), static_cast<ssize_t>(std::strlen(text)));
+        close(ends[1]);
+        EXPECT_TRUE(image.readPNM(("/dev/fd/" + std::to_string(ends[0])).c_str())) << text;
+        close(ends[0]);
+        EXPECT_EQ(bytesOf(image), "defabc") << "the last row comes first";
+    }
+}
+
+TEST_F(LicImageFiles, LargestValueScalesNothing)
+{
+    for (const char* largest : {"0", "100", "255"}) {
+        store(std::string("P5\n2 1\n") + largest + "\nab");
+        EXPECT_TRUE(image.readPNM(path.c_str())) << largest;
+        EXPECT_EQ(bytesOf(image), "ab");
+    }
+}
+
 TEST_F(LicImageFiles, HeadersMayHaveComments)
 {
     store("P2\n# one\n# two\n2 1\n# three\n255\n7 8");
@@ -124,9 +157,7 @@ TEST_F(LicImageFiles, BrokenOnesAreRefused)
         "P5\n3\n",
         "P5\n3 x\n255\nabc",
         "P5\n2 2\n255\nabc",
-        "P5\n0 2\n255\n",
         "P5\n-2 2\n255\nabcd",
-        "P5\n2 1\n0\nab",
         "P5\n2 1\n65535\nabcd",
         "P5\n999999999 999999999\n255\nabc",
         "P5\n9999999999 1\n255\nabc",

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -73,6 +74,101 @@ TEST(LicImage, WrapsOrOwnsItsMemory)
     LicImage huge;
     EXPECT_FALSE(huge.setSize(1 << 30, 1 << 30, 1 << 30));
     EXPECT_EQ(huge.width, 0);
+}
+
+TEST(LicImage, KeepsItsMemoryWhenItTakesAnothersPlace)
+{
+    std::mt19937 random(8);
+    LicImage own = noise(5, 4, 1, random);
+    const Bytes bytes = bytesOf(own);
+    const unsigned char* const memory = own.data;
+    LicImage taken = std::move(own), assigned = noise(9, 9, 3, random);
+    assigned = std::move(taken);
+    EXPECT_EQ(assigned.data, memory);
+    EXPECT_EQ(bytesOf(assigned), bytes);
+}
+
+/// What each operation with a result does to it.
+struct Operation
+{
+    const char* name;
+    void (*run)(LicImage& from, LicImage* out);
+};
+
+const Operation kOperations[] = {
+    {"blur", [](LicImage& from, LicImage* out) { from.gaussBlur(4, out); }},
+    {"copying blur", [](LicImage& from, LicImage* out) { from.gaussBlur(1, out); }},
+    {"box filter",
+     [](LicImage& from, LicImage* out) {
+         const float kernel[] = {0.5f, 0.25f};
+         from.boundedconvolve(2, kernel, McBox2i(0, 0, from.width - 1, from.height - 1), out);
+     }},
+    {"contrast", [](LicImage& from, LicImage* out) { from.brighten(10, 90, out); }},
+    {"gray", [](LicImage& from, LicImage* out) { from.colorToGray(out); }},
+    {"fill", [](LicImage& from, LicImage* out) { from.floodFill(1, 1, 7, nullptr, out); }},
+};
+
+TEST(LicImage, WritesResultsWhereTheyBelong)
+{
+    std::mt19937 random(9);
+    for (const Operation& o : kOperations)
+        for (const int channels : {1, 3}) {
+            SCOPED_TRACE(std::string(o.name) + ", " + std::to_string(channels) + " channels");
+            LicImage source = noise(17, 12, channels, random, 40), expected;
+            o.run(source, &expected);
+            ASSERT_EQ(expected.width, 17);
+            ASSERT_EQ(expected.height, 12);
+
+            Wrapped sameSize(noise(17, 12, expected.channels, random), 5);
+            const unsigned char* const memory = sameSize.memory.data();
+            o.run(source, &sameSize.image);
+            EXPECT_EQ(sameSize.image.data, memory) << "a caller's memory of the right size is used";
+            EXPECT_EQ(bytesOf(sameSize.image), bytesOf(expected));
+            EXPECT_TRUE(sameSize.areGapsIntact());
+
+            Wrapped smaller(noise(5, 5, 1, random), 3);
+            const Bytes before = smaller.memory;
+            o.run(source, &smaller.image);
+            EXPECT_EQ(bytesOf(smaller.image), bytesOf(expected));
+            EXPECT_EQ(smaller.memory, before) << "one of another size is left alone";
+
+            LicImage inPlace = source;
+            o.run(inPlace, nullptr);
+            EXPECT_EQ(bytesOf(inPlace), bytesOf(expected));
+        }
+}
+
+TEST(LicImage, ReadsRowsOfTheImageThatItReplaces)
+{
+    std::mt19937 random(10);
+    for (const Operation& o : kOperations)
+        for (const int channels : {1, 3}) {
+            SCOPED_TRACE(std::string(o.name) + ", " + std::to_string(channels) + " channels");
+            LicImage owner = noise(17, 12, channels, random, 40), expected;
+            LicImage part(9, 6, channels, owner.stride, owner.row(3) + 2 * channels);
+            LicImage copy = part;
+            o.run(copy, &expected);
+            o.run(part, &owner);
+            EXPECT_EQ(owner.width, 9);
+            EXPECT_EQ(bytesOf(owner), bytesOf(expected));
+        }
+    LicImage owner = noise(17, 12, 1, random);
+    const LicImage part(9, 6, owner.stride, owner.row(3));
+    const Bytes expected = bytesOf(part);
+    owner = part;
+    EXPECT_EQ(bytesOf(owner), expected);
+}
+
+TEST(LicImage, ResultsOfAnEmptyImageAreEmpty)
+{
+    for (const Operation& o : kOperations) {
+        if (std::string(o.name) == "box filter") continue; // an empty box: nothing happens
+        LicImage empty, out(4, 3, nullptr);
+        empty.setSize(0, 6, 1);
+        o.run(empty, &out);
+        EXPECT_EQ(out.width, 0) << o.name;
+        EXPECT_EQ(out.height, 6) << o.name;
+    }
 }
 
 TEST(LicImage, FindsTheBoxOfAValue)
@@ -197,6 +293,13 @@ TEST(LicImage, FiltersABoxAsAnImageOfItsOwn)
         const LicImage before = result;
         image.boundedconvolve(3, kernel, McBox2i(), &result);
         EXPECT_EQ(bytesOf(result), bytesOf(before)) << "an empty box";
+
+        LicImage fresh(2, 2, nullptr), aroundZero = image;
+        aroundZero.clear();
+        for (int y = 6; y < 20; ++y)
+            std::copy_n(expected.row(y) + 4 * channels, 16 * channels, aroundZero.row(y) + 4 * channels);
+        EXPECT_EQ(image.boundedconvolve(3, kernel, box, &fresh), 1);
+        EXPECT_EQ(bytesOf(fresh), bytesOf(aroundZero)) << "new memory is 0 around the box";
     }
 }
 
