@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -250,7 +251,7 @@ void initPackedLuts(const float* half, int kernelSize)
         while (next.taps.size() > 1 && next.taps.last() == 0) next.taps.pop();
         next.blur = blurTaps(next.taps);
     }
-    kernel = next;
+    kernel = std::move(next);
 }
 
 void fastconv(const unsigned char* in, int count, int stride, unsigned char* out)

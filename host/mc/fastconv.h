@@ -8,6 +8,8 @@
 ///
 /// Weights are rounded to 1/65536, and limited to what no sum can overflow. If they add up to 1 within 0.001,
 /// the centre takes up the rounding, so that a constant line stays exactly constant.
+///
+/// throws McMemoryException; the kernel prepared before then stays
 void initPackedLuts(const float* kernel, int kernelSize);
 
 /// Filters one line of bytes with the prepared kernel. Beyond its ends the line repeats its end samples.
