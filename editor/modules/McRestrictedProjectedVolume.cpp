@@ -1,5 +1,6 @@
 #include "modules/McRestrictedProjectedVolume.h"
 
+#include "core/GiBitRows.h"
 #include "core/GiSelection2D.h"
 
 #include <algorithm>
@@ -22,9 +23,16 @@ void McRestrictedProjectedVolume::setPlane(int plane, const GiSelection2D* selec
     bits.resize(static_cast<unsigned long>(dims[(plane + 2) % 3]) *
                 static_cast<unsigned long>(dims[(plane + 1) % 3]));
     bits.unsetAll();
-    const int width = static_cast<int>(selection->width), height = static_cast<int>(selection->height);
-    unsigned long i = 0;
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width && i < bits.numBits(); ++x, ++i)
-            if (selection->isSet(x, y)) bits.set(i);
+    const unsigned long width = selection->width;
+    unsigned long first = 0;
+    for (unsigned long y = 0; y < selection->height && first < bits.numBits(); ++y, first += width) {
+        const unsigned long n = std::min(width, bits.numBits() - first);
+        if (selection->xStride == 1) {
+            giCopyBits(bits.words(), first, selection->bits->words(),
+                       y * selection->yStride + selection->offset, n);
+            continue;
+        }
+        for (unsigned long x = 0; x < n; ++x)
+            if (selection->isSet(static_cast<int>(x), static_cast<int>(y))) bits.set(first + x);
+    }
 }

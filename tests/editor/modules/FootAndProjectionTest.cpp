@@ -6,8 +6,11 @@
 #include "core/GiSelection2D.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <csignal>
 #include <limits>
 #include <random>
 #include <vector>
@@ -30,6 +33,23 @@ TEST(Foot, ScalesThePeriod)
         EXPECT_EQ(foot.getValue(), c.value) << c.frequency;
     }
     EXPECT_EQ(foot.getFrequency(7), 1000.0f);
+}
+
+TEST(Foot, EndsItsChild)
+{
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+        while (true) pause();
+    {
+        McFoot foot;
+        McFoot::forkedLoopS(&foot); // has nothing to measure, and returns
+        foot.childId = child;
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGKILL);
 }
 
 /// The second channel of a recording; the first one is loud and must not count.
@@ -88,6 +108,23 @@ TEST(RestrictedProjection, KeepsThePixelsOfEachPlane)
             for (int x = 0; x < widths[plane]; ++x)
                 EXPECT_EQ(bits.isSet(static_cast<unsigned long>(y * widths[plane] + x)),
                           selection.isSet(x, y));
+    }
+    // A window into a volume: rows and columns that lie apart.
+    McBitfield field;
+    field.resize(2000);
+    for (unsigned long i = 0; i < 2000; ++i)
+        if (random() % 2) field.set(i);
+    struct Window
+    {
+        unsigned long offset, xStride, yStride;
+    };
+    for (const Window w : {Window{3, 1, 5}, Window{37, 1, 101}, Window{5, 7, 35}, Window{0, 100, 1}}) {
+        GiSelection2D window;
+        window.setBitfield(&field, 5, 7, w.offset, w.xStride, w.yStride);
+        volume.setPlane(2, &window);
+        for (int y = 0; y < 7; ++y)
+            for (int x = 0; x < 5; ++x)
+                EXPECT_EQ(volume.planes[2].isSet(static_cast<unsigned long>(y * 5 + x)), window.isSet(x, y));
     }
     GiSelection2D larger;
     larger.resize(50, 50);
