@@ -11,6 +11,8 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <new>
+#include <utility>
 
 /// A closed curve that grows in a gray slice like a balloon: fast through flat places, and not across edges.
 /// Its state after each step is kept, so going back costs nothing. What moves a point is a matter of Region,
@@ -36,7 +38,8 @@ public:
     void init(int x, int y);
     /// Starts with a given curve. Points outside the slice are brought to its border.
     void init(const McBlowCurve* start);
-    /// Tries up to n further steps; ends at `maxSteps`.
+    /// Tries up to n further steps; ends at `maxSteps`. Whole steps stay if the memory runs out.
+    /// throws McMemoryException, as do the other calls that make curves
     void growSteps(int n);
     /// The curve after t steps, limited to 0 to `maxSteps`. Steps that are not there yet are made. If the
     /// growth ends before, the last curve; each call then tries again.
@@ -69,8 +72,9 @@ protected:
         const int y = std::clamp(static_cast<int>(p.y + 0.5f), 0, height - 1);
         return x + static_cast<long>(y) * width;
     }
-    /// What the speed is taken from.
-    LicImage blurred() const;
+    /// The same, and hands on the blurred slice that the speed was taken from.
+    McBlowGrowth(int sliceWidth, int sliceHeight, unsigned char* slice, int growAndShrinks, int smoothing,
+                 LicImage& blurred);
     /// Whether `p` lies between the centers of the outermost pixels.
     bool isInside(const McVec2f& p) const
     {
@@ -83,9 +87,10 @@ private:
     static constexpr double kFast = 0.6; // a faster point goes as far as its neighbors are away
     static constexpr double kLeastMove = 0.01;
 
-    void speedFunction();
+    LicImage blurredSlice() const;
+    void speedFunction(const LicImage& blurred);
     void forget();
-    void append(const McBlowCurve& curve);
+    void append(McBlowCurve curve);
     void grow();
     bool movePoints(McBlowCurve& curve) const;
 };
@@ -96,11 +101,21 @@ McBlowGrowth<Region>::McBlowGrowth(int sliceWidth, int sliceHeight, unsigned cha
     : image(slice), width(sliceWidth), height(sliceHeight), gaussWidth(smoothing)
 {
     growAndShrink = growAndShrinks;
-    speedFunction();
+    speedFunction(blurredSlice());
 }
 
 template <class Region>
-LicImage McBlowGrowth<Region>::blurred() const
+McBlowGrowth<Region>::McBlowGrowth(int sliceWidth, int sliceHeight, unsigned char* slice, int growAndShrinks,
+                                   int smoothing, LicImage& blurred)
+    : image(slice), width(sliceWidth), height(sliceHeight), gaussWidth(smoothing)
+{
+    growAndShrink = growAndShrinks;
+    blurred = blurredSlice();
+    speedFunction(blurred);
+}
+
+template <class Region>
+LicImage McBlowGrowth<Region>::blurredSlice() const
 {
     LicImage result;
     if (!LicImage(width, height, image).gaussBlur(gaussWidth, &result))
@@ -109,14 +124,14 @@ LicImage McBlowGrowth<Region>::blurred() const
 }
 
 template <class Region>
-void McBlowGrowth<Region>::speedFunction()
+void McBlowGrowth<Region>::speedFunction(const LicImage& blurred)
 {
     const long n = static_cast<long>(width) * height;
     if (n > std::numeric_limits<int>::max()) throw McMemoryException(static_cast<unsigned long>(n));
     absGradient.resize(static_cast<int>(n));
     speed.resize(static_cast<int>(n));
     gradientOfSpeed.resize(static_cast<int>(n));
-    mcAbsOfGradient(blurred().data, width, height, absGradient.data());
+    mcAbsOfGradient(blurred.data, width, height, absGradient.data());
     mcSpeedOfGradient(absGradient.data(), n, speed.data());
     mcGradientOf(speed.data(), width, height, gradientOfSpeed.data());
 }
@@ -129,11 +144,12 @@ void McBlowGrowth<Region>::forget()
 }
 
 template <class Region>
-void McBlowGrowth<Region>::append(const McBlowCurve& curve)
+void McBlowGrowth<Region>::append(McBlowCurve curve)
 {
-    auto copy = std::make_unique<McBlowCurve>(curve);
-    curves.append(copy.get());
-    copy.release();
+    std::unique_ptr<McBlowCurve> kept(new (std::nothrow) McBlowCurve(std::move(curve)));
+    if (!kept) throw McMemoryException(sizeof(McBlowCurve));
+    curves.append(kept.get());
+    kept.release();
 }
 
 template <class Region>
@@ -148,7 +164,7 @@ void McBlowGrowth<Region>::init(int x, int y)
         circle.append(McVec2f(cx + kRadius * std::cos(angle), cy + kRadius * std::sin(angle)));
     }
     forget();
-    append(circle);
+    append(std::move(circle));
 }
 
 template <class Region>
@@ -162,7 +178,7 @@ void McBlowGrowth<Region>::init(const McBlowCurve* start)
         inside.append(McVec2f(x, y));
     }
     forget();
-    append(inside);
+    append(std::move(inside));
 }
 
 template <class Region>
@@ -192,8 +208,8 @@ void McBlowGrowth<Region>::grow()
         mcDeletePoints(curve);
     }
     if (moved) {
-        append(curve);
-        mcDeleteIntersections(*curves.last());
+        mcDeleteIntersections(curve);
+        append(std::move(curve));
     } else if (growAndShrink || tolerance < 1) {
         maxSteps = curves.size() - 1;
     } else {

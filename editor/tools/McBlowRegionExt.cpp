@@ -32,14 +32,19 @@ void slopesOf(const LicImage& picture, const int* kernel, float* slopes)
 
 McBlowRegionExt::McBlowRegionExt(int sliceWidth, int sliceHeight, unsigned char* slice, int growAndShrinks,
                                  int smoothing)
-    : McBlowGrowth(sliceWidth, sliceHeight, slice, growAndShrinks, smoothing)
+    : McBlowRegionExt(sliceWidth, sliceHeight, slice, growAndShrinks, smoothing, LicImage())
 {
-    computeGradient();
 }
 
-void McBlowRegionExt::computeGradient()
+McBlowRegionExt::McBlowRegionExt(int sliceWidth, int sliceHeight, unsigned char* slice, int growAndShrinks,
+                                 int smoothing, LicImage&& blurred)
+    : McBlowGrowth(sliceWidth, sliceHeight, slice, growAndShrinks, smoothing, blurred)
 {
-    const LicImage picture = blurred();
+    computeGradient(blurred);
+}
+
+void McBlowRegionExt::computeGradient(const LicImage& picture)
+{
     for (int k = 0; k < kDirections; ++k) {
         McDArray<float>& plane = directedSpeed[k];
         plane.resize(speed.size());

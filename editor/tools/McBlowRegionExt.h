@@ -24,5 +24,7 @@ public:
     McDArray<float> directedSpeed[kPlanes];
 
 private:
-    void computeGradient();
+    McBlowRegionExt(int sliceWidth, int sliceHeight, unsigned char* slice, int growAndShrinks, int smoothing,
+                    LicImage&& blurred);
+    void computeGradient(const LicImage& picture);
 };

@@ -33,4 +33,6 @@ void mcDeletePoints(McBlowCurve& curve);
 ///
 /// kept: the edge from the first point is therefore not looked at again once there was a cut. Its crossings
 /// last until the next step of the growth, and curves would come out differently.
+///
+/// throws McMemoryException, and leaves the curve as it was
 void mcDeleteIntersections(McBlowCurve& curve);

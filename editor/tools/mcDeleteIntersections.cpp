@@ -1,6 +1,9 @@
 #include "tools/mcBlowCurve.h"
 
+#include "mc/McMemoryException.h"
+
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -34,7 +37,9 @@ struct Edge
 
     Edge(const McVec2f& a, const McVec2f& b) : from(a), to(b), box(Box::of(a, b)) {}
 
-    /// Where it crosses another edge, with the ends of neither.
+    /// Where it crosses another edge, with the ends of neither. In exact numbers edges that cross have boxes
+    /// that meet; asked first, this keeps rounding from making crossings of edges that lie nearly in one line
+    /// and apart.
     std::optional<McVec2f> crossing(const Edge& other) const
     {
         if (!box.meets(other.box)) return {};
@@ -209,5 +214,9 @@ private:
 
 void mcDeleteIntersections(McBlowCurve& curve)
 {
-    curve = LoopCutter(curve).run();
+    try {
+        curve = LoopCutter(curve).run();
+    } catch (const std::bad_alloc&) {
+        throw McMemoryException(static_cast<unsigned long>(curve.size()) * sizeof(Edge));
+    }
 }

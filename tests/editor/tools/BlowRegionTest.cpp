@@ -70,8 +70,8 @@ Slice clutteredSlice(int size, std::mt19937& random)
     });
 }
 
-/// The growth in its plain form: every rule by itself, every pair of edges looked at. Takes speeds, normals
-/// and curvatures from the parts that are tested by themselves.
+/// The growth in its plain form: every rule by itself, every pair of edges looked at. Takes the speeds from
+/// the part that is tested by itself.
 class PlainGrowth
 {
 public:
@@ -142,16 +142,32 @@ private:
 
     bool movePoint(Points& curve, int i) const
     {
-        const McVec2f p = at(curve, i);
-        const McCurveEdges edges(curveOf({at(curve, i + size(curve) - 1), p, at(curve, i + 1)}), 1);
-        const McVec2f n = edges.normal();
-        float m = wayOf(p, n, edges.curvature());
-        if (std::abs(m) > 0.6) m = (edges.forwardLength + edges.backwardLength) / 2;
+        const McVec2f p = at(curve, i), f = at(curve, i + 1) - p, b = p - at(curve, i + size(curve) - 1);
+        const McVec2f n = normalOf(f, b);
+        float m = wayOf(p, n, curvatureOf(p, f, b));
+        if (std::abs(m) > 0.6) m = (f.length() + b.length()) / 2;
         const McVec2f q = p + n * m;
         if (!(q.x >= 0 && q.x <= float(planes.width - 1) && q.y >= 0 && q.y <= float(planes.height - 1)))
             return false;
         curve[static_cast<std::size_t>(i)] = q;
         return std::abs(m) > 0.01;
+    }
+
+    static McVec2f normalOf(const McVec2f& f, const McVec2f& b)
+    {
+        const float lf = std::sqrt(f.x * f.x + f.y * f.y), lb = std::sqrt(b.x * b.x + b.y * b.y);
+        const float x = f.y / lf + b.y / lb, y = -f.x / lf + -b.x / lb;
+        const float l = std::sqrt(x * x + y * y);
+        return McVec2f(x / l, y / l);
+    }
+
+    static float curvatureOf(const McVec2f& p, const McVec2f& f, const McVec2f& b)
+    {
+        if (f.length() < 1e-10f || b.length() < 1e-10f) return 100;
+        const McVec2f next = p + f * (1.5f / f.length()), before = p - b * (1.5f / b.length());
+        const McVec2f d = (next - before) / 3.0f, e = (next + before - p * 2.0f) / 2.25f;
+        const float l = d.length();
+        return l < 1e-10f ? 100 : (d.x * e.y - d.y * e.x) / (l * l * l);
     }
 
     float wayOf(const McVec2f& p, const McVec2f& n, float curvature) const
@@ -262,6 +278,33 @@ TEST(BlowCurve, KnowsNormalsAndCurvaturesOfACircle)
     EXPECT_EQ(McCurveEdges(line, 1).curvature(), 0);
     EXPECT_EQ(McCurveEdges(line, 3).curvature(), 100) << "an edge without length";
     EXPECT_EQ(McCurveEdges(curveOf({{0, 0}, {2, 0}, {0, 0}, {-2, 0}}), 1).curvature(), 100) << "a turn back";
+}
+
+TEST(BlowCurve, WeighsBothEdgesOfAPointAlike)
+{
+    struct Case
+    {
+        const char* shows;
+        McVec2f before, next; // the point itself is (7, 5)
+        double angle;         // of the normal, in degrees
+        double curvature;
+    };
+    const Case cases[] = {
+        // Points at 1.5 pixels: d = (0.5, 0.5), e = (-2/3, 2/3).
+        {"a right angle, edges of 1 and 3", {6, 5}, {7, 8}, -45, 2.0 / 3 / std::pow(0.5, 1.5)},
+        {"the same, edges of 3 and 1", {4, 5}, {7, 6}, -45, 2.0 / 3 / std::pow(0.5, 1.5)},
+        {"a right angle inward", {6, 5}, {7, 2}, -135, -2.0 / 3 / std::pow(0.5, 1.5)},
+        // d = (0.8, 0.4), e = (-0.4, 0.8) * 4 / 3 / 2.
+        {"an angle of 53 degrees", {6, 5}, {8.2f, 6.6f}, -90 + 26.565, 2.0 / 3 * 0.8 / std::pow(0.8, 1.5)},
+        {"straight on, edges of 1 and 4", {7, 4}, {7, 9}, 0, 0},
+    };
+    for (const Case& c : cases) {
+        const McCurveEdges edges(curveOf({c.before, {7, 5}, c.next}), 1);
+        const double angle = c.angle * M_PI / 180;
+        EXPECT_NEAR(edges.normal().x, std::cos(angle), 1e-4) << c.shows;
+        EXPECT_NEAR(edges.normal().y, std::sin(angle), 1e-4) << c.shows;
+        EXPECT_NEAR(edges.curvature(), c.curvature, 1e-4) << c.shows;
+    }
 }
 
 TEST(BlowCurve, KeepsDistancesOfItsPoints)
