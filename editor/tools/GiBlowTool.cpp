@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -118,36 +119,64 @@ bool GiBlowTool::isOnItsSlice() const
     return false;
 }
 
+/// Only a drag makes the curve grow; what is drawn in between is what the release selects.
+const McBlowCurve* GiBlowTool::shownCurve() const
+{
+    if (!region || region->curves.isEmpty()) return nullptr;
+    return region->curves[std::min(timeStep, region->curves.size() - 1)];
+}
+
+/// Takes back the step of a gesture that has changed nothing, unless others came after it.
+void GiBlowTool::dropUndoStep()
+{
+    const McHandle<GiAction> step = std::exchange(undoStep, nullptr);
+    if (!step || gi->undoActions.isEmpty() || gi->undoActions.last() != step) return;
+    gi->undoActions.pop();
+    step->unref(); // for the list
+    gi->updateUndoSensitivity();
+}
+
 /// Ends the gesture and takes the curve off the screen.
 void GiBlowTool::abandon()
 {
     dragging = false;
     showCurve = false;
-    undoStep = nullptr;
+    dropUndoStep();
     gi->redraw();
 }
 
 int GiBlowTool::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
 {
-    const auto* button = event->as<McButtonEvent>();
-    if (button && !frameBuffer->viewer) return 1;
+    try {
+        return follow(*frameBuffer, *event);
+    } catch (...) {
+        abandon();
+        throw;
+    }
+}
+
+int GiBlowTool::follow(GiFrameBuffer& frameBuffer, const McEvent& event)
+{
+    const auto* button = event.as<McButtonEvent>();
+    if (button && !frameBuffer.viewer) return 1;
     if (dragging && !isOnItsSlice()) abandon();
-    if (button && button->pressed && isInFrame(*frameBuffer, *event)) {
-        press(*frameBuffer, *event);
+    if (button && button->pressed && isInFrame(frameBuffer, event)) {
+        press(frameBuffer, event);
         return 1;
     }
+    // Also a press beside the picture: with no gesture to end, the last curve is not selected once more.
     if (!dragging) return 0;
     if (button) {
         handleMouseUp();
         return 1;
     }
-    if (frameBuffer->viewer != viewer) return 0;
-    if (event->as<McLeaveWindowEvent>()) {
+    if (frameBuffer.viewer != viewer) return 0;
+    if (event.as<McLeaveWindowEvent>()) {
         handleMouseUp();
         return 1;
     }
-    if (event->as<McMotionEvent>() && event->left) {
-        drag(*frameBuffer, *event);
+    if (event.as<McMotionEvent>() && event.left) {
+        drag(frameBuffer, event);
         return 1;
     }
     return 0;
@@ -160,18 +189,20 @@ void GiBlowTool::press(GiFrameBuffer& frameBuffer, const McEvent& event)
     if (!image || !image->grey || image->width < 1 || image->height < 1) return;
     getParams();
     gi->saveUndoInformationForSlice(1, 0, frameBuffer.viewer); // selection, not labels
-    region.reset();                                            // before the new one takes its memory
+    undoStep = gi->undoActions.isEmpty() ? nullptr : gi->undoActions.last();
+    region.reset(); // before the new one takes its memory
     region = std::make_unique<McBlowRegion>(static_cast<int>(image->width), static_cast<int>(image->height),
                                             image->grey, kGrowOnly, gaussWidth);
-    region->init(frameBuffer.dataColumn(event.x), frameBuffer.dataRow(event.y));
+    pressPixel = McVec2i(frameBuffer.dataColumn(event.x), frameBuffer.dataRow(event.y));
+    region->init(pressPixel.x, pressPixel.y);
     region->tolerance = kLargestTolerance - tolerance;
 
     viewer = frameBuffer.viewer;
     orientation = viewer->getOrientation();
     slice = viewer->getSlice();
-    undoStep = gi->undoActions.isEmpty() ? nullptr : gi->undoActions.last();
     selectionMode = modeOf(event);
     pressPos = McVec2i(event.x, event.y);
+    pressZoom = frameBuffer.zoomedSize;
     dragDistance = 0;
     timeStep = 0;
     lastBox = McBox2i();
@@ -181,13 +212,20 @@ void GiBlowTool::press(GiFrameBuffer& frameBuffer, const McEvent& event)
 
 void GiBlowTool::drag(GiFrameBuffer& frameBuffer, const McEvent& event)
 {
+    keepUpWithZoom(frameBuffer);
     const McVec2i way = McVec2i(event.x, event.y) - pressPos;
     dragDistance = static_cast<float>(std::hypot(way.x, way.y));
     timeStep = static_cast<int>(dragDistance * kStepsPerPixel);
-    // Steps in which the curve only rests count as tries. With all of them done now, the curve that is drawn
-    // is the one that the release selects.
-    while (region->curves.size() <= std::min(timeStep, region->maxSteps)) region->growSteps(1);
+    region->getTimeStep(timeStep);
     redraw(frameBuffer);
+}
+
+/// Keys zoom while the button is held.
+void GiBlowTool::keepUpWithZoom(const GiFrameBuffer& frameBuffer)
+{
+    if (pressZoom == frameBuffer.zoomedSize) return;
+    pressZoom = frameBuffer.zoomedSize;
+    pressPos = frameBuffer.pixelCentre(pressPixel.x, pressPixel.y);
 }
 
 /// The parts where the curve was and where it is now.
@@ -208,7 +246,7 @@ McBox2i GiBlowTool::getBoundingBox()
 {
     if (!region) return McBox2i(0, 0, 1000, 1000);
     McBox2i box;
-    const McBlowCurve* curve = region->getTimeStep(timeStep);
+    const McBlowCurve* curve = shownCurve();
     for (int i = 0; curve && i < curve->size(); ++i) {
         const int x = static_cast<int>((*curve)[i].x), y = static_cast<int>((*curve)[i].y);
         box.extendBy(McBox2i(x - 1, y - 1, x + 1, y + 1));
@@ -220,14 +258,14 @@ McBox2i GiBlowTool::getBoundingBox()
 /// values, and is selected as it was shown, without holes.
 void GiBlowTool::handleMouseUp()
 {
-    // Undo in the middle of the gesture has taken its step away.
-    if (gi->undoActions.isEmpty() || gi->undoActions.last() != undoStep)
-        gi->saveUndoInformationForSlice(1, 0, viewer);
-    undoStep = nullptr;
     dragging = false;
     showCurve = false;
+    // Undo in the middle of the gesture has taken its step away.
+    const McHandle<GiAction> step = std::exchange(undoStep, nullptr);
+    if (gi->undoActions.isEmpty() || gi->undoActions.last() != step)
+        gi->saveUndoInformationForSlice(1, 0, viewer);
     GiSelection2D* selection = viewer->getSelection();
-    const McBlowCurve* curve = region ? region->getTimeStep(timeStep) : nullptr;
+    const McBlowCurve* curve = shownCurve();
     if (selection && curve)
         selection->setSelection(curve->size(), curve->data(), static_cast<GiSelectMode>(selectionMode));
     gi->updateSelectionBoxes();
@@ -238,7 +276,8 @@ void GiBlowTool::handleMouseUp()
 void GiBlowTool::render(GiFrameBuffer* frameBuffer, const McBox2i&)
 {
     if (!region || !showCurve || frameBuffer->viewer != viewer || !isOnItsSlice()) return;
-    const McBlowCurve* curve = region->getTimeStep(timeStep);
+    keepUpWithZoom(*frameBuffer);
+    const McBlowCurve* curve = shownCurve();
     const int n = curve ? curve->size() : 0;
     frameBuffer->setFunction(GiFrameBuffer::kDraw);
     for (int i = 0; i < n; ++i) {

@@ -4,6 +4,7 @@
 #include "mc/McHandle.h"
 #include "mc/McVec.h"
 #include "tools/GiTool.h"
+#include "tools/mcBlowCurve.h"
 
 #include <QLineEdit>
 #include <QObject>
@@ -38,6 +39,8 @@ public:
     int handleEvent(GiFrameBuffer* frameBuffer, McEvent* event) override;
     /// Of the curve, in image pixels.
     McBox2i getBoundingBox() override;
+    /// A gesture ends where the button is let go, also on a line of the cross hair.
+    bool isDragging() const override { return dragging; }
     void createWidget(QWidget* parent) override;
 
 protected:
@@ -45,18 +48,24 @@ protected:
 
 private:
     bool isOnItsSlice() const;
+    const McBlowCurve* shownCurve() const;
     void getParams();
+    int follow(GiFrameBuffer& frameBuffer, const McEvent& event);
     void press(GiFrameBuffer& frameBuffer, const McEvent& event);
     void drag(GiFrameBuffer& frameBuffer, const McEvent& event);
+    void keepUpWithZoom(const GiFrameBuffer& frameBuffer);
     void redraw(GiFrameBuffer& frameBuffer);
     void handleMouseUp();
+    void dropUndoStep();
     void abandon();
 
     std::unique_ptr<McBlowRegion> region; // of the last gesture
     int selectionMode = 0;                // a GiSelectMode
     McBox2i lastBox;                      // image pixels of the curve that is on screen
     QPointer<QLineEdit> gaussWidthEdit, toleranceEdit;
-    McVec2i pressPos;       // zoomed coordinates
+    McVec2i pressPixel; // of the slice
+    McVec2i pressPos;   // zoomed coordinates, where the slice has pressZoom of them
+    McVec2i pressZoom;
     float dragDistance = 0; // screen pixels from the press to the pointer
     bool dragging = false;
     int timeStep = 0;

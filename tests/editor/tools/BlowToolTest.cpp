@@ -3,14 +3,20 @@
 #include "editor/display/DrawnEditor.h"
 #include "editor/tools/ViewerEvents.h"
 
+#include "mc/McMemoryException.h"
 #include "tools/GiBlowTool.h"
+#include "tools/GiCrossHairTool.h"
 #include "tools/McBlowRegion.h"
 
 #include <QLineEdit>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <set>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -24,6 +30,59 @@ std::vector<bool> pixelsOf(const GiSelection2D& selection)
         for (int x = 0; x < static_cast<int>(selection.width); ++x) pixels.push_back(selection.isSet(x, y));
     return pixels;
 }
+
+/// A picture in which ties of the rasterisation leave two colors open.
+class Canvas
+{
+public:
+    explicit Canvas(const GiFrameBuffer& frame) : buffer(frame)
+    {
+        for (const unsigned int color : pictureOf(frame)) colors.push_back({color});
+    }
+
+    /// Steps of one pixel along the longer side; the other side to the nearest pixel.
+    void line(const McVec2i& from, const McVec2i& to, unsigned int color)
+    {
+        const int dx = to.x - from.x, dy = to.y - from.y, n = std::max(std::abs(dx), std::abs(dy));
+        if (n == 0) paint(from.x, from.y, color);
+        for (int i = 0; n > 0 && i <= n; ++i) {
+            const double x = from.x + double(dx) * i / n, y = from.y + double(dy) * i / n;
+            const int lowX = static_cast<int>(std::ceil(x - 0.5)),
+                      highX = static_cast<int>(std::floor(x + 0.5));
+            const int lowY = static_cast<int>(std::ceil(y - 0.5)),
+                      highY = static_cast<int>(std::floor(y + 0.5));
+            if (lowX == highX && lowY == highY) {
+                paint(lowX, lowY, color);
+            } else {
+                at(lowX, lowY).insert(color);
+                at(highX, highY).insert(color);
+            }
+        }
+    }
+    void block(const McVec2i& p, unsigned int color)
+    {
+        for (int i = 0; i < 4; ++i) paint(p.x + i % 2, p.y + i / 2, color);
+    }
+    /// Pixels of the present picture that are not as they may be.
+    int differences() const
+    {
+        const std::vector<unsigned int> picture = pictureOf(buffer);
+        int n = 0;
+        for (std::size_t i = 0; i < picture.size(); ++i) n += !colors[i].contains(picture[i]);
+        return n;
+    }
+
+private:
+    std::set<unsigned int>& at(int x, int y)
+    {
+        return colors[static_cast<std::size_t>((y - buffer.offset.y) * buffer.memSize.x + x -
+                                               buffer.offset.x)];
+    }
+    void paint(int x, int y, unsigned int color) { at(x, y) = {color}; }
+
+    const GiFrameBuffer& buffer;
+    std::vector<std::set<unsigned int>> colors;
+};
 
 /// A bright ball around the middle of a dark volume.
 class BlowTool : public testing::Test
@@ -63,20 +122,31 @@ protected:
     void drag(int distance) { send(motionEvent(1, pressed.x + distance, pressed.y)); }
     void release() { send(buttonEvent(1, false, 5, 5)); }
 
-    /// What the curve of a step fills, beside a selection that is there already.
+    /// An engine like that of the gesture.
+    std::unique_ptr<McBlowRegion> engineAt(int column, int row, int limit = 15)
+    {
+        GiGreyImage& grey = *viewer().getGreyImage();
+        auto region = std::make_unique<McBlowRegion>(static_cast<int>(grey.width),
+                                                     static_cast<int>(grey.height), grey.grey, 0, 4);
+        region->tolerance = limit;
+        region->init(column, row);
+        return region;
+    }
+    /// What a curve fills, beside a selection that is there already.
+    std::vector<bool> filledBy(const McBlowCurve& curve, GiSelectMode mode = kSelectReplace,
+                               const GiSelection2D* before = nullptr)
+    {
+        const GiSelection2D& shape = *viewer().getSelection();
+        GiSelection2D result;
+        result.resize(static_cast<int>(shape.width), static_cast<int>(shape.height));
+        if (before) result.copyData(*before);
+        result.setSelection(curve.size(), curve.data(), mode);
+        return pixelsOf(result);
+    }
     std::vector<bool> filled(int column, int row, int step, GiSelectMode mode = kSelectReplace,
                              const GiSelection2D* before = nullptr)
     {
-        GiGreyImage& grey = *viewer().getGreyImage();
-        McBlowRegion region(static_cast<int>(grey.width), static_cast<int>(grey.height), grey.grey, 0, 4);
-        region.tolerance = 15;
-        region.init(column, row);
-        const McBlowCurve* curve = region.getTimeStep(step);
-        GiSelection2D result;
-        result.resize(static_cast<int>(grey.width), static_cast<int>(grey.height));
-        if (before) result.copyData(*before);
-        result.setSelection(curve->size(), curve->data(), mode);
-        return pixelsOf(result);
+        return filledBy(*engineAt(column, row)->getTimeStep(step), mode, before);
     }
     std::vector<bool> selected() { return pixelsOf(*viewer().getSelection()); }
     long count()
@@ -199,6 +269,35 @@ TEST_F(BlowTool, LeavesNoMarkBehind)
         }
 }
 
+TEST_F(BlowTool, DrawsLinesPointsAndThePress)
+{
+    constexpr unsigned int kYellow = 0xFFFF00, kSky = 0x0080FF, kBlue = 0x0000FF;
+    for (const float zoom : {1.0f, 3.0f})
+        for (const int distance : {0, 4, 20}) {
+            SCOPED_TRACE(testing::Message() << "zoom " << zoom << ", distance " << distance);
+            editor.gi.setZoomFactor(zoom);
+            editor.gi.selection->clear();
+            viewer().redraw();
+            Canvas expected(buffer());
+            press(32, 24);
+            drag(distance);
+            const auto engine = engineAt(32, 24);
+            const McBlowCurve& curve = *engine->getTimeStep(static_cast<int>(distance * 0.4));
+            const auto screenOf = [&](int i) {
+                const McVec2f& p = curve[i % curve.size()];
+                const int z = static_cast<int>(zoom);
+                return McVec2i(static_cast<int>(p.x + 0.5f) * z, static_cast<int>(p.y + 0.5f) * z);
+            };
+            for (int i = 0; i < curve.size(); ++i) {
+                expected.line(screenOf(i), screenOf(i + 1), kYellow);
+                expected.block(screenOf(i), kSky);
+            }
+            expected.block(pressed, kBlue);
+            EXPECT_EQ(expected.differences(), 0);
+            release();
+        }
+}
+
 TEST_F(BlowTool, DrawsItsCurveInItsOwnViewerOnly)
 {
     press(30, 25);
@@ -209,6 +308,114 @@ TEST_F(BlowTool, DrawsItsCurveInItsOwnViewerOnly)
     }
     release();
     EXPECT_FALSE(showsCurve(2));
+}
+
+// A motion tries as many steps as are missing. A curve that rests uses up some of them, and so holds at an
+// edge for a while.
+TEST_F(BlowTool, GrowsWithMotionsAlone)
+{
+    auto* tolerance = tool->getWidget(nullptr)->findChild<QLineEdit*>("wToleranceEdit");
+    tolerance->setText("0");
+    press(30, 25);
+    const auto engine = engineAt(30, 25, 50);
+    for (const int distance : {20, 60, 80, 81, 82, 83, 100, 130}) {
+        drag(distance);
+        const int step = static_cast<int>(distance * 0.4);
+        const McBlowCurve* curve = engine->getTimeStep(step);
+        for (int i = 0; i < 3; ++i) viewer().redraw();
+        EXPECT_EQ(tool->getBoundingBox().xmax, [&] {
+            int right = -1;
+            for (const McVec2f& p : *curve) right = std::max(right, static_cast<int>(p.x) + 1);
+            return right;
+        }()) << distance;
+    }
+    EXPECT_LT(engine->tolerance, 50) << "the curve did rest";
+    release();
+    EXPECT_EQ(selected(), filledBy(*engine->curves.last())) << "what was drawn";
+}
+
+TEST_F(BlowTool, KeepsItsPlaceWhenTheZoomChanges)
+{
+    press(30, 25);
+    drag(20);
+    editor.gi.setZoomFactor(4);
+    expectPictureIsWhatARedrawShows();
+    pressed = screen(30, 25);
+    const std::size_t mark = static_cast<std::size_t>((pressed.y - buffer().offset.y) * buffer().memSize.x +
+                                                      pressed.x - buffer().offset.x);
+    EXPECT_EQ(pictureOf(buffer())[mark], 0x0000FFu);
+    drag(12);
+    release();
+    EXPECT_EQ(selected(), filled(30, 25, 4));
+}
+
+TEST_F(BlowTool, EndsAlsoOnALineOfTheCrossHair)
+{
+    GiCrossHairTool& crossHair = *editor.gi.crossHair;
+    crossHair.setVisible(true);
+    crossHair.setPosition(McVec3i(45, 40, viewer().getSlice()));
+    buffer().addShape(&crossHair);
+    const McVec2i onLine = screen(45, 5);
+    McLeaveWindowEvent leave;
+    leave.x = onLine.x;
+    leave.y = onLine.y;
+    McMouseButtonEvent up = buttonEvent(1, false, onLine.x, onLine.y);
+    for (McEvent* end : {static_cast<McEvent*>(&leave), static_cast<McEvent*>(&up)}) {
+        editor.gi.touches.clear();
+        press(20, 18);
+        drag(12);
+        EXPECT_EQ(send(*end), 1);
+        EXPECT_FALSE(tool->isDragging());
+        EXPECT_EQ(selected(), filled(20, 18, 4));
+        EXPECT_EQ(editor.gi.touches.size(), 1u);
+    }
+    EXPECT_EQ(crossHair.getPosition(), McVec3i(45, 40, viewer().getSlice()));
+}
+
+TEST_F(BlowTool, TheMaskingWindowHasNoSay)
+{
+    viewer().setMaskingEnabled(true);
+    viewer().setMaskingWindow(0, 100, false); // the ball is brighter
+    press(30, 25);
+    drag(20);
+    release();
+    EXPECT_EQ(selected(), filled(30, 25, 8));
+    EXPECT_TRUE(viewer().getSelection()->isSet(30, 25));
+}
+
+/// Runs out of memory once.
+class FailingShape : public GiShape
+{
+public:
+    void render(GiFrameBuffer*, const McBox2i&) override
+    {
+        if (std::exchange(fails, false)) throw McMemoryException(1);
+    }
+    bool fails = false;
+};
+
+TEST_F(BlowTool, ALackOfMemoryEndsTheGesture)
+{
+    const McHandle<FailingShape> shape(new FailingShape);
+    buffer().addShape(shape);
+    press(30, 25);
+    shape->fails = true;
+    EXPECT_THROW(drag(20), McMemoryException);
+    EXPECT_FALSE(tool->isDragging());
+    EXPECT_FALSE(showsCurve(2));
+    EXPECT_EQ(editor.gi.undoActions.size(), 0);
+    release();
+    EXPECT_EQ(count(), 0);
+
+    press(30, 25);
+    drag(20);
+    shape->fails = true;
+    EXPECT_THROW(release(), McMemoryException);
+    EXPECT_FALSE(tool->isDragging());
+    EXPECT_EQ(selected(), filled(30, 25, 8)) << "the picture failed, not the selection";
+    EXPECT_EQ(editor.gi.undoActions.size(), 1);
+    editor.gi.undo();
+    EXPECT_EQ(count(), 0);
 }
 
 TEST_F(BlowTool, EndsLikeARelease)
@@ -267,6 +474,7 @@ TEST_F(BlowTool, IsGivenUpWhereItsSliceIsGone)
         drag(30);
         release();
         EXPECT_EQ(count(), 0);
+        EXPECT_EQ(editor.gi.undoActions.size(), 0) << "there is nothing to undo";
         EXPECT_TRUE(editor.gi.touches.empty());
         EXPECT_FALSE(showsCurve(2));
         expectPictureIsWhatARedrawShows();
@@ -278,6 +486,11 @@ TEST_F(BlowTool, IsGivenUpWhereItsSliceIsGone)
     drag(10);
     release();
     EXPECT_EQ(selected(), filled(20, 18, 4));
+    // Steps of others in the middle stay, and with them the one below.
+    press(20, 18);
+    editor.gi.saveUndoInformationForVolume(1, 0, &viewer());
+    editor.gi.setTool(-1);
+    EXPECT_EQ(editor.gi.undoActions.size(), 3);
 }
 
 TEST_F(BlowTool, StaysUndoableAfterAnUndoInItsMiddle)
@@ -303,6 +516,7 @@ TEST_F(BlowTool, AFurtherPressBeginsANewCurve)
     EXPECT_FALSE(showsCurve(2)) << "the old one is gone, the new one is drawn with the first move";
     send(buttonEvent(3, false, at.x, at.y));
     EXPECT_EQ(selected(), filled(40, 30, 0));
+    EXPECT_EQ(editor.gi.undoActions.size(), 1);
 }
 
 TEST_F(BlowTool, TakesItsSettingsAtThePress)
