@@ -213,6 +213,7 @@ TEST_F(Transfer, ReplaceInTheVolumeTakesTouchedPiecesBackAndLeavesTwoSteps)
     editor.gi.selection->set(4, 0, 0);
     auto* tool = new RecordingTool(&editor.gi);
     tool->ref();
+    editor.gi.tools[0]->unref();
     editor.gi.tools[0] = tool;
     editor.gi.setTool(0);
     tool->calls.clear();
