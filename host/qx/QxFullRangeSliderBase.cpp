@@ -41,7 +41,7 @@ QxFullRangeSliderBase::QxFullRangeSliderBase(QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 
     connect(track, &QxRangeTrack::dragMoved, this, &QxFullRangeSliderBase::dragTo);
-    connect(track, &QxRangeTrack::dragEnded, this, &QxFullRangeSliderBase::announce);
+    connect(track, &QxRangeTrack::dragEnded, this, &QxFullRangeSliderBase::endDrag);
     connect(track, &QxRangeTrack::keyed, this, &QxFullRangeSliderBase::setValue);
     for (const QxRangeField* field : {minField, maxField})
         connect(field, &QxRangeField::valueChanged, this, [this, field] { takeField(field); });
@@ -162,6 +162,19 @@ void QxFullRangeSliderBase::announce()
     if (low == toldLow && high == toldHigh) return;
     toldLow = low;
     toldHigh = high;
+    const bool told = tracking;
+    endIsOwed = false;
+    emit valueChanged(low, high);
+    if (!told || tracking) return;
+    endIsOwed = true;
+    if (!track->isDragging()) endDrag(); // keys, fields and scripts make single steps: no end follows
+}
+
+void QxFullRangeSliderBase::endDrag()
+{
+    announce();
+    if (!endIsOwed) return;
+    endIsOwed = false;
     emit valueChanged(low, high);
 }
 

@@ -48,7 +48,9 @@ public:
     void setMarker(float value);
     void clearMarker();
 
-    /// Off: a drag tells of its end only.
+    /// Off: a drag tells of its end only. A listener that is told of a step and then switches tracking off
+    /// has put its work off: it is told the values once more, at the end of the drag, or at once if there is
+    /// none.
     void setTracking(bool on) { tracking = on; }
     bool isTracking() const { return tracking; }
 
@@ -68,6 +70,7 @@ protected:
 private:
     void dragTo(float min, float max);
     void announce();
+    void endDrag();
     bool store(float min, float max);
     float legal(float value) const;
     void showValues();
@@ -83,4 +86,5 @@ private:
     float wantedStep = 1;
     bool discrete = true;
     bool tracking = true;
+    bool endIsOwed = false; // a listener waits for the end of the drag
 };

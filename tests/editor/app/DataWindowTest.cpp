@@ -5,6 +5,7 @@
 #include "display/GiGreyImage.h"
 #include "hx/HxColormap.h"
 #include "qx/QxColormapFullRangeSlider.h"
+#include "tools/GiMagicWand.h"
 #include "tools/GiTool.h"
 
 #include <QCheckBox>
@@ -143,6 +144,34 @@ TEST_F(DataWindows, MaskingFollowsItsTwoBoxes)
     toolbox().wMaskingWindowSlider->setValue(60, 90);
     EXPECT_EQ(gi()->viewers[0]->getMaskingWindow()[0], 60);
     EXPECT_EQ(gi()->viewers[0]->getMaskingWindow()[1], 90);
+}
+
+TEST_F(DataWindows, EveryStepOfTheWindowReachesARegionOfTheVolume)
+{
+    auto* image = imageOf<short>("image", 1, 0, 100);
+    auto* values = static_cast<short*>(image->lattice()->dataPtr());
+    for (int i = 0; i < 60; ++i) values[i] = i < 20 ? 10 : i < 40 ? 20 : 100; // one value in each slice
+    open(image);
+    gi()->setTool(GiMagicWand::kIndex);
+    eval("gi setToolDataWindow 10 10");
+    eval("view 2 slice 0");
+    eval("tool 3 widget wAllSlicesCheckBox 1");
+    eval("view 2 event move 1 1");
+    eval("view 2 event press 1 1 left");
+    eval("view 2 event release 1 1 left");
+    EXPECT_EQ(numSelected(), 20u);
+    struct Step
+    {
+        const char* window;
+        unsigned long selected;
+    };
+    for (const Step& step : std::initializer_list<Step>{
+             {"{10 20}", 40}, {"{10 10}", 20}, {"{10 100}", 60}, {"{10 19}", 20}, {"{10 20}", 40}}) {
+        eval(std::string("toolbox widget wMaskingWindowSlider ") + step.window);
+        EXPECT_EQ(numSelected(), step.selected) << step.window;
+    }
+    eval("tool 3 widget wAllSlicesCheckBox 0");
+    gi()->setTool(0);
 }
 
 TEST_F(DataWindows, WithoutDataTheSlidersSpanABytesRange)

@@ -205,6 +205,47 @@ TEST_F(RangeSlider, WithoutTrackingTheEndOfADragIsToldOnce)
     EXPECT_FALSE(track->isDragging());
 }
 
+TEST_F(RangeSlider, WhoPutsItsWorkOffIsToldOfTheEnd)
+{
+    slider.setRange(0, 100);
+    slider.setValue(20, 60);
+    int worked = 0;
+    // Works at every second change, as one does for whom every step of a drag would be too slow.
+    QObject::connect(&slider, &QxFullRangeSliderBase::valueChanged, &slider, [&] {
+        worked += !slider.isTracking();
+        slider.setTracking(!slider.isTracking());
+    });
+    for (int step = 1; step <= 4; ++step) {
+        slider.setValue(20, 60 + float(step));
+        EXPECT_EQ(worked, step) << "a single step is its own end";
+    }
+    type(minField, "30");
+    EXPECT_EQ(worked, 5);
+    track->setFocus();
+    QTest::keyClick(track, Qt::Key_Left);
+    EXPECT_EQ(worked, 6);
+
+    slider.setValue(20, 60);
+    worked = 0;
+    told.clear();
+    QTest::mousePress(track, Qt::LeftButton, {}, at(pixel(20)));
+    QTest::mouseMove(track, at(pixel(40)));
+    QTest::mouseMove(track, at(pixel(50)));
+    EXPECT_EQ(worked, 0) << "the drag goes on";
+    QTest::mouseRelease(track, Qt::LeftButton, {}, at(pixel(50)));
+    EXPECT_EQ(worked, 1);
+    EXPECT_EQ(told, (std::vector<Pair>{{40, 60}, {50, 60}}));
+    drag(pixel(50), pixel(10)); // with the last step told already
+    EXPECT_EQ(worked, 2);
+
+    QTest::mousePress(track, Qt::LeftButton, {}, at(pixel(10)));
+    QTest::mouseMove(track, at(pixel(30)));
+    QTest::mouseRelease(track, Qt::LeftButton, {}, at(pixel(30)));
+    EXPECT_EQ(worked, 3) << "one step, and it was told before";
+    drag(pixel(30), pixel(30));
+    EXPECT_EQ(worked, 3);
+}
+
 TEST_F(RangeSlider, KeysMoveTheHandleThatHasTheFocus)
 {
     slider.setRange(0, 100);
