@@ -8,12 +8,24 @@
 #include "core/GiOrientation.h"
 #include "hx/HxLabelLattice3.h"
 #include "hx/HxMessage.h"
+#include "mc/McHandle.h"
 #include "mc/McRawData2D.h"
+
+#include <algorithm>
 
 namespace {
 
 constexpr unsigned int kInterpolated = 1u; // slice flag: filled by interpolation, no key slice
 constexpr unsigned int kSliceFlags = 3u;
+
+/// Takes an action out of a list and gives the list's reference back; nothing if the list has lost it.
+void dropAction(McDArray<GiAction*>& actions, GiAction* action)
+{
+    GiAction** const found = std::find(actions.begin(), actions.end(), action);
+    if (found == actions.end()) return;
+    actions.remove(static_cast<int>(found - actions.begin()));
+    action->unref();
+}
 
 } // namespace
 
@@ -98,23 +110,32 @@ void Gi::trimUndo()
 
 void Gi::undo()
 {
-    if (undoActions.size() > 0) {
-        GiAction* newest = undoActions.last();
-        undoActions.pop();
-        newest->execute();
-        if (newest->hasOldNumbers())
-            HxMessage::getTheMsg()->printf("The labels that came back are older than the deletion of a "
-                                           "material. They have the numbers of "
-                                           "that time, which may be those of other materials by now.");
-        // kept: an undone action is gone, redo does not get it. A snapshot holds one state only,
-        // and a second snapshot for the way forward would double the cost of every undo.
-        newest->unref();
+    const auto showRestored = [this] {
         markLabelRangeStale();
+        updateSelectionBoxes();
+        redraw();
+        updateUndoSensitivity();
+        stateRestored();
+    };
+    try {
+        if (undoActions.size() > 0) {
+            // Held, as what it restores may empty the list. It leaves the list when it is done: a step that
+            // fails half-way can be tried again, and what it has restored already stays so.
+            const McHandle<GiAction> newest(undoActions.last());
+            newest->execute();
+            // kept: an undone action is gone, redo does not get it. A snapshot holds one state only,
+            // and a second snapshot for the way forward would double the cost of every undo.
+            dropAction(undoActions, newest);
+            if (newest->hasOldNumbers())
+                HxMessage::getTheMsg()->printf("The labels that came back are older than the deletion of a "
+                                               "material. They have the numbers of "
+                                               "that time, which may be those of other materials by now.");
+        }
+    } catch (...) {
+        showRestored();
+        throw;
     }
-    updateSelectionBoxes();
-    redraw();
-    updateUndoSensitivity();
-    stateRestored();
+    showRestored();
 }
 
 void Gi::redo()

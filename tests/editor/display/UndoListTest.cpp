@@ -2,6 +2,7 @@
 
 #include "core/GiModifyLabel.h"
 #include "core/GiMultiAction.h"
+#include "mc/McMemoryException.h"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,21 @@ struct FakeAction : GiAction
     long getMemSize() override { return bytes; }
     long bytes;
     int &runs, &deaths;
+};
+
+/// Fails as often as it is told, then runs.
+struct FailingAction : FakeAction
+{
+    FailingAction(int failures, int& runCount, int& deathCount)
+        : FakeAction(1, runCount, deathCount), left(failures)
+    {
+    }
+    void execute() override
+    {
+        if (left-- > 0) throw McMemoryException(1);
+        FakeAction::execute();
+    }
+    int left;
 };
 
 constexpr long kMiB = 1 << 20;
@@ -78,6 +94,52 @@ TEST(UndoList, RedoMovesItsEntryBackAndNewStepsEmptyIt)
     editor.gi.addUndoAction(new GiMultiAction, true);
     EXPECT_EQ(editor.gi.canRedo(), 0);
     EXPECT_EQ(deaths, 1);
+}
+
+TEST(UndoList, AStepThatFailsIsShownAndStaysToBeTriedAgain)
+{
+    TestEditor editor(3, 3, 3);
+    editor.gi.saveUndoInformationForVolume(1, 0, nullptr);
+    editor.gi.selection->set(1, 1, 1);
+    int runs = 0, deaths = 0;
+    editor.gi.addUndoAction(new FailingAction(1, runs, deaths), true);
+    editor.gi.redraws = editor.gi.sensitivityUpdates = 0;
+    EXPECT_THROW(editor.gi.undo(), McMemoryException);
+    EXPECT_FALSE(editor.gi.selection->isSet()) << "the first part is done";
+    EXPECT_EQ(editor.gi.redraws, 1);
+    EXPECT_EQ(editor.gi.sensitivityUpdates, 1);
+    EXPECT_EQ(editor.gi.undoActions.size(), 1);
+    EXPECT_EQ(deaths, 0);
+    editor.gi.undo();
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(deaths, 1);
+    EXPECT_FALSE(editor.gi.canUndo());
+}
+
+/// A step back that ends the binding, as a question to the user may.
+struct ClearingAction : FakeAction
+{
+    ClearingAction(Gi& owner, int& runCount, int& deathCount) : FakeAction(1, runCount, deathCount), gi(owner)
+    {
+    }
+    void execute() override
+    {
+        gi.clearUndo(1);
+        FakeAction::execute();
+    }
+    Gi& gi;
+};
+
+TEST(UndoList, AStepMayEmptyTheList)
+{
+    TestEditor editor(3, 3, 3);
+    int runs = 0, deaths = 0;
+    editor.gi.addUndoAction(new FakeAction(1, runs, deaths), false);
+    editor.gi.addUndoAction(new ClearingAction(editor.gi, runs, deaths), false);
+    editor.gi.undo();
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(deaths, 2);
+    EXPECT_FALSE(editor.gi.canUndo());
 }
 
 TEST(UndoList, AnEmptyListStillRedraws)
