@@ -91,6 +91,7 @@ void GiMagicWand::setCursor(Cursor kind)
 
 void GiMagicWand::select()
 {
+    if (!(flags & kSelected)) dropActiveSeed();
     flags |= kSelected;
     gi->redraw();
     savedTracking = gi->toolDataWindowSliderTracking();
@@ -101,16 +102,30 @@ void GiMagicWand::deselect(GiFrameBuffer*)
     if (!(flags & kSelected)) return; // called once per viewer
     if (flags & kDrawingLimit) finishLimit();
     flags &= ~kSelected;
-    if (hasActiveSeed() && !seedIsStored) seeds.remove(currentSeed);
-    currentSeed = -1;
+    setSeedMode();
+    dropActiveSeed();
     gi->redraw();
     gi->clearToolDataWindowMarker();
     gi->setToolDataWindowSliderTracking(savedTracking != 0);
 }
 
+void GiMagicWand::dropActiveSeed()
+{
+    if (hasActiveSeed() && !seedIsStored) seeds.remove(currentSeed);
+    currentSeed = -1;
+}
+
+void GiMagicWand::endRestoring()
+{
+    // Another tool works with the window and the selection by now: a seed that became active here would grow
+    // into its work as soon as the wand is chosen.
+    if (!(flags & kSelected)) dropActiveSeed();
+}
+
 void GiMagicWand::init()
 {
     flags &= ~(kSeedsHidden | kDrawingLimit);
+    setSeedMode();
     grown3D = 0;
     initSeeds();
     initLimits();
@@ -123,7 +138,7 @@ int GiMagicWand::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
 {
     if (!frameBuffer->viewer || !frameBuffer->selection || !gi->imageSlices.data()) return 0;
     if (isRunning) return 1; // windows stay alive while the volume is grown; the wand itself must not
-    if (pressedKey(*event) == 'h') {
+    if (pressedKey(*event) == 'h' && !event->as<McKeyboardEvent>()->autoRepeat) {
         flags ^= kSeedsHidden;
         redrawSeeds(1);
     }
@@ -139,6 +154,7 @@ int GiMagicWand::handleEventSeedMode(GiFrameBuffer& frameBuffer, const McEvent& 
     // panel.
     if (key == 'l' || key == Key::kControlLeft || key == Key::kControlRight) {
         setLimitMode(&frameBuffer, &event);
+        if (key != 'l') flags |= kOpenedByControl;
         return 1;
     }
     checkCursor(frameBuffer, event);
@@ -155,13 +171,24 @@ int GiMagicWand::handleEventSeedMode(GiFrameBuffer& frameBuffer, const McEvent& 
 void GiMagicWand::deleteActiveSeed()
 {
     gi->saveUndoInformationForVolume(1, 0, nullptr);
+    // The seed is a thing of its own in the file: to bring back the selection alone would lose it. It comes
+    // back as it was stored, not with the window that was tried on it.
+    if (seedIsStored) seeds[currentSeed] = seedBackup;
     recordClick(-1);
-    deleteSeed(seeds[currentSeed]);
+    deleteActiveEntry();
     removeActiveSeed();
     gi->selection->clear();
     gi->updateSelectionBoxes();
     gi->redraw();
     gi->touchData(1, 0, 0, -1, 0, 0);
+}
+
+/// Takes the active seed out of the label data, under each name that it has had since it was picked: a voxel
+/// outside the volume was brought within.
+void GiMagicWand::deleteActiveEntry()
+{
+    deleteSeed(seeds[currentSeed]);
+    if (seedIsStored) deleteSeed(seedBackup);
 }
 
 void GiMagicWand::removeActiveSeed()
@@ -196,16 +223,16 @@ void GiMagicWand::click(GiFrameBuffer& frameBuffer, const McEvent& event)
     beginSeed();
     fillSeed(viewer.getOrientation(), gi->getPoint3D(pixel.x, pixel.y, &viewer), value);
     const MagicWandSeed seed = seeds[currentSeed];
-    if (!isGrowing3D())
-        regionGrowing2D(frameBuffer, growCode(event), seed);
-    else if (!regionGrowing3D(growCode(event), seed.voxel()))
-        gi->undo(); // nothing has changed: the step that was opened goes, too
+    const bool isGrown = isGrowing3D() ? regionGrowing3D(growCode(event), seed.voxel())
+                                       : regionGrowing2D(frameBuffer, growCode(event), seed);
+    if (!isGrown) gi->undo(); // the selection has not changed: the step that was opened goes, too
 }
 
 void GiMagicWand::regionGrowingVolPick(const McVec3i& voxel, float value, int code)
 {
     GiViewer* viewer = gi->getCurrentViewer();
     if (!viewer || !viewer->getFrameBuffer() || !gi->imageSlices.data() || isRunning) return;
+    if (!gi->selection->contains(voxel.x, voxel.y, voxel.z)) return;
     const int orientation = viewer->getOrientation(), slice = voxel[giSliceAxis(orientation)];
     if (isGrowing3D()) {
         gi->saveUndoInformationForVolume(1, 0, nullptr);
@@ -228,7 +255,7 @@ void GiMagicWand::regionGrowingVolPick(const McVec3i& voxel, float value, int co
     }
     if (code == kReplace) viewer->getSelection()->clear();
     viewer->setSlice(slice, true);
-    regionGrowing2D(*viewer->getFrameBuffer(), code, seed);
+    if (!regionGrowing2D(*viewer->getFrameBuffer(), code, seed)) gi->undo();
 }
 
 void GiMagicWand::selectionNotify(int what)
@@ -248,7 +275,7 @@ void GiMagicWand::selectionNotify(int what)
         currentSeed = -1;
         break;
     case kSelectionSubtracted:
-        if (seedIsStored) deleteSeed(seed);
+        if (seedIsStored) deleteActiveEntry();
         removeActiveSeed();
         eraseMark(seed);
         break;

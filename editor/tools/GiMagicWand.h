@@ -86,11 +86,13 @@ public:
     /// throws   McMemoryException
     int grow2D(McBitfield& bits, McBox2i& box, const MagicWandSeed& seed) const;
     /// Grows a seed into the selection of the viewer and announces it. Memory that cannot be had is told to
-    /// the user, here and in the volume, and nothing changes.
-    void regionGrowing2D(GiFrameBuffer& frameBuffer, int code, const MagicWandSeed& seed);
+    /// the user, here and in the volume.
+    ///
+    /// returns  false if it ended early: the selection has not changed then
+    bool regionGrowing2D(GiFrameBuffer& frameBuffer, int code, const MagicWandSeed& seed);
     /// Grows from a voxel through the volume, by the window and the panel. The user can stop it.
     ///
-    /// returns  false if it ended early: nothing has changed then
+    /// returns  false if it ended early: the selection has not changed then
     bool regionGrowing3D(int code, const McVec3i& voxel);
     /// What a click does, for a voxel that was picked in space and may lie in another slice.
     void regionGrowingVolPick(const McVec3i& voxel, float value, int code);
@@ -117,11 +119,16 @@ public:
     /// The panel's three boxes and `seedMaterial`, in the fields that a seed has for them.
     MagicWandSeed panelOptions() const;
 
+    /// The state of an undo action is in place.
+    void endRestoring();
+
     void dropNewestLimit();
-    void bringBackLimit(const MagicWandLimit& limit);
+    /// index  its place in the list of lines
+    void bringBackLimit(const MagicWandLimit& limit, int index);
 
     // Into and out of the parameters of the label data; nothing without an image.
     void saveSeed(const MagicWandSeed& seed);
+    /// A kept seed of another orientation on the same voxel, which has the same name, takes the entry over.
     void deleteSeed(const MagicWandSeed& seed);
     void saveLimit(const MagicWandLimit& limit);
     void deleteLimit(const MagicWandLimit& limit);
@@ -156,7 +163,9 @@ private:
     void beginSeed();
     void fillSeed(int orientation, const McVec3i& voxel, float value);
     void deleteActiveSeed();
+    void deleteActiveEntry();
     void removeActiveSeed();
+    void dropActiveSeed();
     void recordClick(int secondSeed);
     void checkRange(MagicWandSeed& seed) const;
     float imageValue(const McVec3i& voxel) const;
@@ -174,12 +183,13 @@ private:
     McData2D<const unsigned char> labelsForSeed(const MagicWandSeed& seed) const;
 
     // Limits
+    void combineLimitsAndLabels(McDArray<unsigned char>& image, const MagicWandSeed& seed) const;
     int computeLimitSlice(McDArray<unsigned char>& image, const MagicWandSeed& seed) const;
     void setLimitMode(const GiFrameBuffer* frameBuffer, const McEvent* event);
     void setSeedMode();
     void checkCursorLimitMode(const GiFrameBuffer& frameBuffer, const McEvent& event);
     bool finishLimit();
-    void pressInLimitMode(const GiViewer& viewer, bool ctrl);
+    void pressInLimitMode(const GiFrameBuffer& frameBuffer, const McEvent& event);
     void beginLimit(const GiViewer& viewer);
     void deleteHoveredLimit();
     void extendLimit(GiFrameBuffer& frameBuffer, const McEvent& event);
@@ -214,6 +224,7 @@ private:
     McDArray<McVec3f> materialColors;
     int savedTracking = 1;
 
-    static constexpr int kDrawingLimit = 2, kSelected = 4, kSeedsHidden = 8; // in `flags`
-    static constexpr int kMarkReach = 3; // screen pixels, of marks and of clicks on them
+    static constexpr int kDrawingLimit = 2, kSelected = 4, kSeedsHidden = 8,
+                         kOpenedByControl = 16; // in `flags`
+    static constexpr int kMarkReach = 3;        // screen pixels, of marks and of clicks on them
 };

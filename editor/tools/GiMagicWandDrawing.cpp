@@ -26,6 +26,7 @@ void GiMagicWand::render(GiFrameBuffer* frameBuffer, const McBox2i&)
 {
     if (!(flags & kSelected) || !frameBuffer->viewer || !gi->imageSlices.data()) return;
     frameBuffer->setFunction(GiFrameBuffer::kDraw);
+    // Also where redrawSeed asks for one: that is how marks go off the screen when they are hidden.
     for (int i = 0; !(flags & kSeedsHidden) && i < seeds.size(); ++i)
         if ((redrawSeed < 0 || redrawSeed == i) && isShown(seeds[i], *frameBuffer->viewer))
             renderSeed(*frameBuffer, i);

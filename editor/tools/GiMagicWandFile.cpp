@@ -23,6 +23,8 @@ McString sliceName(const MagicWandSeed& seed)
     return McString::printf("Slice%04d", seed.z);
 }
 
+// kept: the orientation is no part of the name, so of two seeds on one voxel the one that is kept later has
+// the entry. Files are read by this name in every version; a second entry would read as a seed elsewhere.
 McString nameOf(const MagicWandSeed& seed)
 {
     return McString::printf("S%04dx%04d", seed.x, seed.y);
@@ -77,7 +79,10 @@ void GiMagicWand::deleteSeed(const MagicWandSeed& seed)
 {
     if (!gi->imageLattice || !gi->labelData) return;
     HxParamBundle* slice = findSlice(gi->labelData->parameters, "Seeds", sliceName(seed));
-    if (slice && slice->remove(nameOf(seed))) gi->labelData->setModified(true);
+    if (!slice || !slice->remove(nameOf(seed))) return;
+    gi->labelData->setModified(true);
+    for (int i = 0; i < seeds.size(); ++i)
+        if (i != currentSeed && seeds[i].voxel() == seed.voxel()) saveSeed(seeds[i]);
 }
 
 void GiMagicWand::saveLimit(const MagicWandLimit& limit)

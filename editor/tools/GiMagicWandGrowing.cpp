@@ -95,7 +95,7 @@ void changePixels(GiSelection2D& selection, const McBitfield& marks, const McBox
     }
 }
 
-/// The same for a volume; no bit outside the box is set in `marks`.
+/// The same for a volume, strictly within the box.
 ///
 /// box  xmin, xmax, ymin, ymax, zmin, zmax
 void changeVoxels(GiSelection3D& selection, const McBitfield& marks, const int* box, bool set)
@@ -104,13 +104,24 @@ void changeVoxels(GiSelection3D& selection, const McBitfield& marks, const int* 
         const auto row = static_cast<unsigned long>(y) + selection.dims[1] * static_cast<unsigned long>(z);
         return static_cast<unsigned long>(x) + selection.dims[0] * row;
     };
+    if (box[2] == box[3] && box[4] == box[5]) {
+        // In a volume of a single row the fill's box stays at the seed, though marks lie beyond it.
+        const unsigned long begin = index(box[0], box[2], box[4]),
+                            n = static_cast<unsigned long>(box[1] - box[0]) + 1;
+        giCombineBits(selection.bits.words(), begin, marks.words(), begin, n,
+                      [set](unsigned int& word, unsigned int bits, unsigned int) {
+                          word = set ? word | bits : word & ~bits;
+                      });
+        return;
+    }
+    // With more than a row no mark lies beyond the box: its words are taken whole.
     const unsigned long first = index(box[0], box[2], box[4]) / 64, last = index(box[1], box[3], box[5]) / 64;
     (set ? addWords : removeWords)(selection.bits.words64() + first, marks.words64() + first,
                                    last - first + 1);
 }
 
 /// Whether two seeds of a slice, one in the region of the other, have the same region.
-bool hasSameLimits(const MagicWandSeed& a, const MagicWandSeed& b)
+bool growsAlike(const MagicWandSeed& a, const MagicWandSeed& b)
 {
     return a.min == b.min && a.max == b.max && a.sameMaterial == b.sameMaterial && !a.fillInterior &&
            !b.fillInterior;
@@ -201,12 +212,14 @@ int GiMagicWand::grow2D(McBitfield& bits, McBox2i& box, const MagicWandSeed& see
     return numPixels;
 }
 
-void GiMagicWand::regionGrowing2D(GiFrameBuffer& frameBuffer, int code, const MagicWandSeed& seed)
+bool GiMagicWand::regionGrowing2D(GiFrameBuffer& frameBuffer, int code, const MagicWandSeed& seed)
 {
     try {
         growInto(frameBuffer, code, seed);
+        return true;
     } catch (const McMemoryException& exception) {
         HxMessage::getTheMsg()->memError(exception.size());
+        return false;
     }
 }
 
@@ -250,7 +263,7 @@ void GiMagicWand::lockInactiveSeeds(GiSelection2D& selection)
         // A file may hold thousands of seeds in one region; it is grown once.
         const McVec2i pixel(seed.coordinate(giWidthAxis(orientation)),
                             seed.coordinate(giHeightAxis(orientation)));
-        if (grown && hasSameLimits(*grown, seed) && box.contains(pixel.x, pixel.y) &&
+        if (grown && growsAlike(*grown, seed) && box.contains(pixel.x, pixel.y) &&
             bits.isSet(static_cast<unsigned long>(pixel.y) * width + static_cast<unsigned long>(pixel.x)))
             continue;
         grown = grow2D(bits, box, seed) > 0 ? &seed : nullptr;

@@ -65,6 +65,18 @@ void walkLine(const McVec2f& from, const McVec2f& to, int width, int height, con
 
 } // namespace
 
+/// Copies every label into those pixels of an image of limits that no line covers.
+void GiMagicWand::combineLimitsAndLabels(McDArray<unsigned char>& image, const MagicWandSeed& seed) const
+{
+    const McData2D<const unsigned char> labels = labelsForSeed(seed);
+    if (!labels.data()) return;
+    int size[3];
+    gi->imageSlices.getDims(size, giSliceAxis(seed.orientation));
+    for (int y = 0; y < size[1]; ++y)
+        for (int x = 0; x < size[0]; ++x)
+            if (unsigned char& pixel = image[x + y * size[0]]; pixel == 0) pixel = labels(x, y);
+}
+
 /// Draws the limits of the seed's slice into a byte image: 255 on a line, elsewhere 0 or, for a seed that
 /// stays in its material, the label. Without limits the image stays as it is.
 ///
@@ -85,11 +97,7 @@ int GiMagicWand::computeLimitSlice(McDArray<unsigned char>& image, const MagicWa
             walkLine(limit.points[i], limit.points[i + 1], size[0], size[1],
                      [&](long x, long y) { image[static_cast<int>(x + y * size[0])] = kLimitPixel; });
     }
-    if (onSlice == 0 || !seed.sameMaterial) return onSlice;
-    const McData2D<const unsigned char> labels = labelsForSeed(seed);
-    for (int y = 0; labels.data() && y < size[1]; ++y)
-        for (int x = 0; x < size[0]; ++x)
-            if (unsigned char& pixel = image[x + y * size[0]]; pixel == 0) pixel = labels(x, y);
+    if (onSlice > 0 && seed.sameMaterial) combineLimitsAndLabels(image, seed);
     return onSlice;
 }
 
@@ -107,7 +115,7 @@ void GiMagicWand::setLimitMode(const GiFrameBuffer* frameBuffer, const McEvent* 
 {
     if (mode == kLimitMode) return;
     mode = kLimitMode;
-    flags &= ~kDrawingLimit;
+    flags &= ~(kDrawingLimit | kOpenedByControl);
     hoveredLimit = -1;
     firstNewLimit = limits.size();
     if (event)
@@ -156,6 +164,8 @@ int GiMagicWand::handleEventLimitMode(GiFrameBuffer& frameBuffer, const McEvent&
 {
     if (McMouseButtonEvent::isButtonReleaseEvent(&event, kAnyButton)) {
         if (!event.ctrl) setSeedMode();
+        // kept: also a click without a drag, which leaves a line without points, has its step of undo and
+        // grows the seed anew. Press and release are judged without looking at the way between.
         if (finishLimit()) update();
         return 1;
     }
@@ -170,17 +180,20 @@ int GiMagicWand::handleEventLimitMode(GiFrameBuffer& frameBuffer, const McEvent&
         event.y >= frameBuffer.zoomedSize.y)
         return 0;
     if (McMouseButtonEvent::isButtonPressEvent(&event, kLeft)) {
-        pressInLimitMode(*frameBuffer.viewer, event.ctrl != 0);
+        pressInLimitMode(frameBuffer, event);
         return 1;
     }
     if (!event.as<McMotionEvent>()) return 0;
     if (!(flags & kDrawingLimit)) {
-        checkCursorLimitMode(frameBuffer, event);
+        if ((flags & kOpenedByControl) && !event.ctrl)
+            setSeedMode(); // the key came up elsewhere
+        else
+            checkCursorLimitMode(frameBuffer, event);
         return 0;
     }
-    if (event.left && limits.size() > 0) {
+    if (event.left && limits.size() > 0 && isOnSlice(limits.last(), *frameBuffer.viewer)) {
         extendLimit(frameBuffer, event);
-    } else { // the release went elsewhere
+    } else { // the release went elsewhere, or the wheel has brought another slice
         setSeedMode();
         finishLimit();
         update();
@@ -197,14 +210,16 @@ bool GiMagicWand::finishLimit()
     return true;
 }
 
-void GiMagicWand::pressInLimitMode(const GiViewer& viewer, bool ctrl)
+void GiMagicWand::pressInLimitMode(const GiFrameBuffer& frameBuffer, const McEvent& event)
 {
-    if (hoveredLimit < 0 || hoveredLimit >= limits.size()) {
-        beginLimit(viewer);
+    // The line that the last motion met may lie in another viewer or slice by now.
+    checkCursorLimitMode(frameBuffer, event);
+    if (hoveredLimit < 0) {
+        beginLimit(*frameBuffer.viewer);
         return;
     }
     deleteHoveredLimit();
-    if (!ctrl) setSeedMode();
+    if (!event.ctrl) setSeedMode();
     update();
     gi->redraw();
 }
@@ -219,14 +234,14 @@ void GiMagicWand::beginLimit(const GiViewer& viewer)
     limits.append(limit);
     flags |= kDrawingLimit;
     limit.id = MagicWandLimitAction::kNewest;
-    const McHandle<MagicWandLimitAction> action(new MagicWandLimitAction(*this, limit));
+    const McHandle<MagicWandLimitAction> action(new MagicWandLimitAction(*this, limit, limits.size() - 1));
     gi->addUndoAction(action, false);
 }
 
 void GiMagicWand::deleteHoveredLimit()
 {
     const MagicWandLimit limit = limits[hoveredLimit];
-    const McHandle<MagicWandLimitAction> action(new MagicWandLimitAction(*this, limit));
+    const McHandle<MagicWandLimitAction> action(new MagicWandLimitAction(*this, limit, hoveredLimit));
     gi->addUndoAction(action, false);
     deleteLimit(limit);
     limits.remove(hoveredLimit);
@@ -262,10 +277,13 @@ void GiMagicWand::dropNewestLimit()
     firstNewLimit = std::min(firstNewLimit, limits.size());
 }
 
-void GiMagicWand::bringBackLimit(const MagicWandLimit& limit)
+void GiMagicWand::bringBackLimit(const MagicWandLimit& limit, int index)
 {
     hoveredLimit = -1;
-    limits.append(limit);
+    // In its old place, since undo of a drawing takes the last one.
+    index = std::clamp(index, 0, limits.size());
+    limits.insert(index, 1);
+    limits[index] = limit;
     saveLimit(limit);
     firstNewLimit = limits.size();
 }

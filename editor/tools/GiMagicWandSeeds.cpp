@@ -35,6 +35,9 @@ McVec2i GiMagicWand::markCentre(const MagicWandSeed& seed, const GiFrameBuffer& 
 
 /// The seed whose mark is under the pointer, -1 for none. A new one that is active is no target: it has just
 /// been clicked.
+///
+/// kept: hidden marks are targets, too. Hiding them clears the view; a click into a kept region must not
+/// leave a second seed there that differs from the first by nothing.
 int GiMagicWand::seedAt(const GiFrameBuffer& frameBuffer, const McEvent& event) const
 {
     for (int i = 0; i < seeds.size(); ++i) {
@@ -106,9 +109,12 @@ void GiMagicWand::selectSeed(int i)
     seedIsStored = 1;
     seedBackup = seeds[i];
     restorePanel(seedBackup.min, seedBackup.max, seedBackup);
-    if (!regrow() && seedBackup.is3D) gi->undo();
+    const MagicWandSeed picked = seedBackup;
+    const bool isGrown = regrow();
+    if (!isGrown) gi->undo();
     redrawSeeds(1); // also where nothing was grown, as in a viewer of another orientation
-    const int material = seedBackup.material;
+    if (!isGrown && !picked.is3D) return; // the undone step was the pick, too
+    const int material = picked.material;
     if (material > 0 && gi->materials && material < gi->materials->nBundles()) gi->setCurrentTissue(material);
 }
 
@@ -156,10 +162,12 @@ bool GiMagicWand::regrow()
     if (isGrowing3D()) return regionGrowing3D(kReplace, voxel);
     // kept: it grows in its own slice and is shown in the viewer's, which may be another one by now. So one
     // seed marks a structure in a run of slices that look alike.
-    regionGrowing2D(*viewer->getFrameBuffer(), kReplace, seed);
-    return true;
+    return regionGrowing2D(*viewer->getFrameBuffer(), kReplace, seed);
 }
 
+// kept: whatever the reason, and be it that a limit line came or went, the region replaces the selection,
+// also one that several clicks with Shift have gathered. Only the last of these has left a seed, so what the
+// others would grow to now is not known.
 void GiMagicWand::update()
 {
     regrow();
@@ -179,6 +187,9 @@ void GiMagicWand::update3D()
     if (!all && grown3D) {
         gi->selection->clear();
         gi->updateSelectionBoxes();
+        // A viewer of another orientation grows nothing that would show and tell it.
+        gi->redraw();
+        gi->touchData(1, 0, 0, -1, 0, 0);
     }
     if (!regrow()) gi->undo();
 }

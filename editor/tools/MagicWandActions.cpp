@@ -30,6 +30,8 @@ void MagicWandClickAction::restore(int i, const MagicWandSeed& copy, bool stored
 {
     if (i < 0 || i >= tool.seeds.size()) return;
     tool.seeds[i] = copy;
+    // kept: the copy holds the window that was tried on a picked seed, and with it goes into the file, also
+    // if the selection was only cleared meanwhile. What is restored is what the user saw at that moment.
     if (stored)
         tool.saveSeed(copy);
     else
@@ -51,10 +53,11 @@ void MagicWandClickAction::execute()
     restore(currentSeed, seed, seedIsStored != 0);
     restore(secondIndex, secondSeed, true);
     tool.restorePanel(min, max, options);
+    tool.endRestoring();
 }
 
-MagicWandLimitAction::MagicWandLimitAction(GiMagicWand& wand, const MagicWandLimit& line)
-    : tool(wand), limit(line)
+MagicWandLimitAction::MagicWandLimitAction(GiMagicWand& wand, const MagicWandLimit& line, int place)
+    : tool(wand), limit(line), index(place)
 {
 }
 
@@ -63,7 +66,7 @@ void MagicWandLimitAction::execute()
     if (limit.id == kNewest)
         tool.dropNewestLimit();
     else if (limit.points.size() > 0)
-        tool.bringBackLimit(limit);
+        tool.bringBackLimit(limit, index);
     tool.update();
 }
 

@@ -39,8 +39,9 @@ class MagicWandLimitAction : public GiAction
 public:
     static constexpr int kNewest = -1; // as the line's id: the newest line was drawn
 
-    /// The deleted line, or one with the id kNewest.
-    MagicWandLimitAction(GiMagicWand& tool, const MagicWandLimit& limit);
+    /// limit  the deleted line, or one with the id kNewest
+    /// index  of the deleted line in the tool's list
+    MagicWandLimitAction(GiMagicWand& tool, const MagicWandLimit& limit, int index);
 
     void execute() override;
     long getMemSize() override;
@@ -48,4 +49,5 @@ public:
 private:
     GiMagicWand& tool;
     MagicWandLimit limit;
+    int index;
 };

@@ -295,6 +295,31 @@ std::string takenByWindow(float min, float max, int at)
     return taken;
 }
 
+TEST(MagicWandRow, KeptInAVolumeOfOneRowTheSeedAloneIsSelected)
+{
+    DrawnEditor editor(200, 1, 1);
+    std::vector<unsigned char> image(200, 5);
+    editor.gi.setVolumeByte(editor.dims, 200, image.data(), editor.lattice());
+    editor.gi.setToolDataWindow(5, 5, false);
+    auto& wand = dynamic_cast<GiMagicWand&>(*editor.gi.tools[GiMagicWand::kIndex]);
+    GiSelection3D& selection = *editor.gi.selection;
+    for (const int x : {0, 64, 100, 127, 199}) {
+        SCOPED_TRACE(x);
+        const auto others = [&](bool set) {
+            for (int i = 0; i < 200; ++i)
+                if (i != x && selection.get(i, 0, 0) != set) return false;
+            return true;
+        };
+        ASSERT_TRUE(wand.regionGrowing3D(GiMagicWand::kReplace, McVec3i(x, 0, 0)));
+        EXPECT_TRUE(selection.get(x, 0, 0));
+        EXPECT_TRUE(others(false));
+        for (unsigned long i = 0; i < 200; ++i) selection.set(i);
+        ASSERT_TRUE(wand.regionGrowing3D(GiMagicWand::kSubtract, McVec3i(x, 0, 0)));
+        EXPECT_FALSE(selection.get(x, 0, 0));
+        EXPECT_TRUE(others(true));
+    }
+}
+
 TEST(MagicWandWindow, BeyondTheElementTypeIsLimitedToIt)
 {
     EXPECT_EQ(takenByWindow<unsigned char>(-100, 300, 0), "###");

@@ -2,6 +2,7 @@
 
 #include "editor/tools/WandEditor.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace {
@@ -35,7 +36,7 @@ TEST_F(MagicWandLimits, ManyLinesWhileControlIsHeld)
     drawLimit(3, 0, 3, 3, kCtrl);
     EXPECT_EQ(wand.mode, GiMagicWand::kLimitMode);
     EXPECT_EQ(stored("Limits").size(), 2u);
-    moveTo(1, 3, false);
+    moveTo(1, 3, false, kCtrl);
     click(1, 3, kCtrl); // a line under the pointer is deleted
     EXPECT_EQ(stored("Limits"), (Lines{"SliceX0001/Limit0002: 3.5 0.5 3.5 3.5"}));
     drawLimit(5, 0, 5, 3, kCtrl);
@@ -43,9 +44,87 @@ TEST_F(MagicWandLimits, ManyLinesWhileControlIsHeld)
     EXPECT_EQ(wand.limits.last().id, 3);
     key(McKeyboardEvent::kControlLeft, false);
     EXPECT_EQ(wand.mode, GiMagicWand::kSeedMode);
-    for (int i = 0; i < 4; ++i) editor.gi.undo();
-    EXPECT_EQ(wand.limits.size(), 0);
+    const std::string first = "SliceX0001/Limit0001: 1.5 0.5 1.5 3.5",
+                      second = "SliceX0001/Limit0002: 3.5 0.5 3.5 3.5";
+    const Lines afterUndo[] = {{second}, {first, second}, {first}, {}};
+    for (const Lines& lines : afterUndo) {
+        editor.gi.undo();
+        Lines left = stored("Limits");
+        std::sort(left.begin(), left.end());
+        EXPECT_EQ(left, lines);
+        EXPECT_EQ(wand.limits.size(), static_cast<int>(lines.size()));
+    }
+}
+
+TEST_F(MagicWandLimits, APressMeetsTheLineThatIsThere)
+{
+    key('l');
+    drawLimit(5, 0, 5, 3);
+    key('l');
+    moveTo(5, 3, false);
+    editor.viewer(2).setSlice(2, false); // by the wheel
+    press(5, 3);
+    EXPECT_EQ(wand.limits.size(), 2) << "a new line, and the other slice keeps its own";
+    release(5, 3);
+    editor.viewer(2).setSlice(1, false);
+    wand.setLimitMode(true); // by the button, and the pointer has not moved since
+    press(5, 3);
+    EXPECT_EQ(wand.limits.size(), 1);
     EXPECT_TRUE(stored("Limits").empty());
+}
+
+TEST_F(MagicWandLimits, ALineEndsWithItsSlice)
+{
+    key('l');
+    press(1, 0);
+    moveTo(1, 0);
+    moveTo(1, 3);
+    editor.viewer(2).setSlice(2, false); // by the wheel, with the button down
+    moveTo(6, 3);
+    release(6, 3);
+    EXPECT_EQ(stored("Limits"), (Lines{"SliceX0001/Limit0001: 1.5 0.5 1.5 3.5"}));
+    EXPECT_EQ(wand.mode, GiMagicWand::kSeedMode);
+}
+
+TEST_F(MagicWandLimits, KeptAClickWithoutADragIsAStepThatGrowsTheSeedAnew)
+{
+    click(7, 0);
+    setWindow(1, 1);
+    click(0, 0, kShift);
+    EXPECT_EQ(rows(), (Rows{"########", "########", "###.####", "######.#"}));
+    const int steps = editor.gi.undoActions.size();
+    key('l');
+    click(4, 2);
+    EXPECT_EQ(editor.gi.undoActions.size(), steps + 1);
+    EXPECT_EQ(rows(), (Rows{"###.....", "###.....", "###.....", "###....."}));
+    EXPECT_EQ(wand.limits.size(), 1);
+    editor.gi.undo();
+    EXPECT_EQ(wand.limits.size(), 0);
+}
+
+TEST_F(MagicWandLimits, KeptALineThatComesOrGoesGrowsTheActiveSeedAlone)
+{
+    const auto gather = [&] {
+        setWindow(2, 2);
+        click(7, 0);
+        setWindow(1, 1);
+        click(0, 0, kShift);
+        return rows();
+    };
+    EXPECT_EQ(gather(), (Rows{"########", "########", "###.####", "######.#"}));
+    key('l');
+    drawLimit(1, 0, 1, 3);
+    EXPECT_EQ(rows(), (Rows{"#.......", "#.......", "#.......", "#......."})) << "drawn";
+    EXPECT_EQ(gather(), (Rows{"#..#####", "#..#####", "#...####", "#..###.#"}));
+    key('l');
+    moveTo(1, 3, false);
+    click(1, 3);
+    EXPECT_EQ(rows(), (Rows{"###.....", "###.....", "###.....", "###....."})) << "deleted";
+    gather();
+    key('l');
+    drawLimit(1, 0, 1, 3);
+    editor.gi.undo();
+    EXPECT_EQ(rows(), (Rows{"###.....", "###.....", "###.....", "###....."})) << "undone";
 }
 
 TEST_F(MagicWandLimits, WhatEndsLimitMode)
@@ -59,6 +138,19 @@ TEST_F(MagicWandLimits, WhatEndsLimitMode)
     const Case cases[] = {
         {"the key L comes up", [&] { key('l', false); }, GiMagicWand::kLimitMode},
         {"any other key comes up", [&] { key('b', false); }, GiMagicWand::kSeedMode},
+        {"a motion without Control, which opened it",
+         [&] {
+             wand.setLimitMode(false);
+             key(McKeyboardEvent::kControlLeft);
+             moveTo(3, 3, false, kCtrl);
+             EXPECT_EQ(wand.mode, GiMagicWand::kLimitMode);
+             moveTo(3, 3, false);
+         },
+         GiMagicWand::kSeedMode},
+        {"a motion without Control, which did not", [&] { moveTo(3, 3, false); }, GiMagicWand::kLimitMode},
+        {"another tool", [&] { editor.gi.setTool(-1); }, GiMagicWand::kSeedMode},
+        {"and back", [&] { editor.gi.setTool(GiMagicWand::kIndex); }, GiMagicWand::kLimitMode},
+        {"another data set", [&] { wand.init(); }, GiMagicWand::kSeedMode},
         {"a key goes down", [&] { key('b'); }, GiMagicWand::kLimitMode},
         {"a release with Control", [&] { release(1, 1, kCtrl); }, GiMagicWand::kLimitMode},
         {"a release", [&] { release(1, 1); }, GiMagicWand::kSeedMode},

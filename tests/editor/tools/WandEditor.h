@@ -85,10 +85,10 @@ protected:
         const McVec2i p = at(i, j);
         send(buttonEvent(1, false, p.x, p.y), modifiers);
     }
-    void moveTo(int i, int j, bool held = true)
+    void moveTo(int i, int j, bool held = true, int modifiers = 0)
     {
         const McVec2i p = at(i, j);
-        send(motionEvent(held ? 1 : 0, p.x, p.y));
+        send(motionEvent(held ? 1 : 0, p.x, p.y), modifiers);
     }
     void click(int i, int j, int modifiers = 0)
     {
