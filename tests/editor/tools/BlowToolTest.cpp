@@ -314,6 +314,7 @@ TEST_F(BlowTool, DrawsItsCurveInItsOwnViewerOnly)
 // edge for a while.
 TEST_F(BlowTool, GrowsWithMotionsAlone)
 {
+    EXPECT_EQ(tool->getBoundingBox(), McBox2i(0, 0, 1000, 1000)) << "before the first press";
     auto* tolerance = tool->getWidget(nullptr)->findChild<QLineEdit*>("wToleranceEdit");
     tolerance->setText("0");
     press(30, 25);
