@@ -16,6 +16,7 @@
 #include "tools/giGuarded.h"
 
 #include <QAbstractButton>
+#include <QAbstractSlider>
 #include <QAction>
 #include <QCheckBox>
 #include <QGroupBox>
@@ -52,6 +53,14 @@ void choose(bool first, QRadioButton* one, QRadioButton* other)
     (first ? one : other)->setChecked(true);
 }
 
+/// A click on one of these leaves the keys with the viewer; who goes through the toolbox by keys still can.
+template <class Widget>
+void leaveFocusWithViewer(const QList<Widget*>& widgets)
+{
+    for (Widget* widget : widgets)
+        if (widget->focusPolicy() != Qt::NoFocus) widget->setFocusPolicy(Qt::TabFocus);
+}
+
 } // namespace
 
 int GiQToolbox::sIndexNumBase = 0;
@@ -78,9 +87,8 @@ GiQToolbox::GiQToolbox(GiQ* owner, QWidget* parent) : QWidget(parent), gi(owner)
     connectButtons();
     connectWidgets();
     addTools();
-    // A click on a button leaves the keys with the viewer; who goes through the toolbox by keys still can.
-    for (QAbstractButton* button : findChildren<QAbstractButton*>())
-        if (button->focusPolicy() != Qt::NoFocus) button->setFocusPolicy(Qt::TabFocus);
+    leaveFocusWithViewer(findChildren<QAbstractButton*>());
+    leaveFocusWithViewer(findChildren<QAbstractSlider*>());
 }
 
 GiQToolbox::~GiQToolbox() = default;

@@ -32,6 +32,9 @@ HxToolScroll::HxToolScroll(QWidget* parent) : QScrollArea(parent)
 {
     setObjectName("toolScroll");
     setFrameShape(NoFrame);
+    // Else it would take the focus on behalf of what refuses it: a click on a check box or beside all widgets
+    // would take the keys away from the viewer.
+    setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* content = new QWidget;

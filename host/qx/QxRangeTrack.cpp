@@ -34,7 +34,7 @@ int handleHeight(const QFontMetrics& metrics)
 
 QxRangeTrack::QxRangeTrack(QWidget* parent) : QWidget(parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -174,8 +174,24 @@ void QxRangeTrack::finishDrag()
 {
     if (!drag) return;
     drag.reset();
+    giveKeysBack();
     update();
     emit dragEnded();
+}
+
+/// For Escape, while the button is down.
+void QxRangeTrack::takeKeys()
+{
+    keysBefore = window()->focusWidget();
+    setFocus(Qt::MouseFocusReason);
+}
+
+void QxRangeTrack::giveKeysBack()
+{
+    if (keysBefore)
+        keysBefore->setFocus(Qt::OtherFocusReason);
+    else
+        clearFocus();
 }
 
 void QxRangeTrack::mousePressEvent(QMouseEvent* event)
@@ -189,6 +205,7 @@ void QxRangeTrack::mousePressEvent(QMouseEvent* event)
     const double handleX = xOfHandle(focused);
     const bool away = focused != Handle::Both && std::abs(x - handleX) > kGrabRadius;
     const double held = focused == Handle::Both ? double(low) : onScale(focused == Handle::Low ? low : high);
+    takeKeys();
     drag = Drag{focused, away ? 0 : valueAt(x) - held, low, high};
     if (away) dragTo(x); // the handle comes to the pointer
     update();

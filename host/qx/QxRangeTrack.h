@@ -2,6 +2,7 @@
 
 #include "mc/McHistogram.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
@@ -10,6 +11,8 @@
 
 /// The drawn part of a pair slider: histogram, window, ramp, marker and two handles. It turns mouse and keys
 /// into wishes for values; what becomes of them is its owner's affair, who then calls setValues.
+///
+/// It takes the keys by Tab, and by mouse for the time of a drag; then they go back to who had them.
 class QxRangeTrack : public QWidget
 {
     Q_OBJECT
@@ -79,6 +82,8 @@ private:
     double onScale(double value) const;
     std::pair<float, float> placed(Handle handle, double value, float fromLow, float fromHigh) const;
     void dragTo(double x);
+    void takeKeys();
+    void giveKeysBack();
 
     void drawHistogram(QPainter& painter) const;
     void drawRamp(QPainter& painter) const;
@@ -89,6 +94,7 @@ private:
     std::function<unsigned int(float)> rampColor;
     std::optional<float> marker;
     std::optional<Drag> drag;
+    QPointer<QWidget> keysBefore; // had them when the drag began; null: nobody
     Handle focused = Handle::Low;
     float scaleLow = 0, scaleHigh = 255;
     float low = 0, high = 255;

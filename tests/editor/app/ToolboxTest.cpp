@@ -10,9 +10,11 @@
 #include "tools/GiCrossHairTool.h"
 #include "tools/GiTool.h"
 
+#include <QAbstractSpinBox>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QRadioButton>
 #include <QStackedLayout>
 #include <QToolBar>
@@ -348,4 +350,45 @@ TEST_F(Toolbox, WithoutDataOnlyTheChoiceOfDataIsAlive)
     for (QWidget* later : {static_cast<QWidget*>(toolbox().wShow3DSlicesButton),
                            static_cast<QWidget*>(toolbox().wShow3DSelectionCheckBox)})
         EXPECT_FALSE(later->isEnabled()) << "its operation is not there: " << text(later->objectName());
+}
+
+/// Visible parts that a press reaches and that open nothing.
+static std::vector<QWidget*> partsToPress(const GiQToolbox& toolbox)
+{
+    std::vector<QWidget*> parts;
+    for (QWidget* part : toolbox.findChildren<QWidget*>()) {
+        const auto* button = qobject_cast<QToolButton*>(part);
+        const bool opens = qobject_cast<QComboBox*>(part) || (button && button->menu());
+        if (part->isVisible() && part->isEnabled() && !part->isWindow() && !opens &&
+            !toolbox.tissueList->isAncestorOf(part) && part != toolbox.tissueList)
+            parts.push_back(part);
+    }
+    return parts;
+}
+
+TEST_F(Toolbox, AClickLeavesTheKeysWithTheViewerUnlessOnAField)
+{
+    open();
+    gi()->activateViewer(gi()->viewers[2]);
+    QWidget* viewer = gi()->viewers[2]->getWidget();
+    const QWidget* window = HxMain::getTheMain();
+    int numFields = 0, numSteps = 0;
+    for (int tool = 0; tool < gi()->tools.size(); ++tool) {
+        toolbox().setTool(tool);
+        for (QWidget* part : partsToPress(toolbox())) {
+            viewer->setFocus();
+            const bool isField = qobject_cast<QLineEdit*>(part) || qobject_cast<QAbstractSpinBox*>(part);
+            QTest::mousePress(part, Qt::LeftButton);
+            QTest::mouseRelease(part, Qt::LeftButton, {}, QPoint(-9, -9)); // beside: a button does nothing
+            EXPECT_EQ(window->focusWidget() == viewer, !isField)
+                << "tool " << tool << ": " << text(part->metaObject()->className()) << " "
+                << text(part->objectName());
+            numFields += isField;
+            // Tab still gets to whatever can be operated.
+            if (!qobject_cast<QAbstractButton*>(part) && !qobject_cast<QAbstractSlider*>(part)) continue;
+            numSteps += (part->focusPolicy() & Qt::TabFocus) != 0;
+        }
+    }
+    EXPECT_GT(numFields, 5);
+    EXPECT_GT(numSteps, 50);
 }

@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -268,7 +269,7 @@ TEST_F(RangeSlider, KeysMoveTheHandleThatHasTheFocus)
     EXPECT_FALSE(track->hasFocus());
     QTest::mouseClick(track, Qt::LeftButton, {}, at(pixel(50)));
     slider.setValue(40, 60);
-    QTest::keyClick(track, Qt::Key_Right); // the band has the focus now
+    QTest::keyClick(track, Qt::Key_Right); // keys move what was held last
     EXPECT_EQ(values(), Pair(41, 61));
 
     // A step of 1 is of no use on a scale of 0.01.
@@ -331,6 +332,33 @@ TEST_F(RangeSlider, FieldsTakeWhatIsTypedAndKeepDigitsThatTheyDoNotShow)
     }
     EXPECT_EQ(values(), precise);
     EXPECT_TRUE(told.empty());
+}
+
+TEST_F(RangeSlider, MouseTakesTheKeysForTheTimeOfADragOnly)
+{
+    slider.setRange(0, 100);
+    slider.setValue(20, 60);
+    const struct
+    {
+        const char* what;
+        QWidget* before;
+        std::function<void()> end;
+    } rows[] = {
+        {"released", maxField, [this] { QTest::mouseRelease(track, Qt::LeftButton, {}, at(pixel(30))); }},
+        {"taken back", maxField, [this] { QTest::keyClick(track, Qt::Key_Escape); }},
+        {"disabled", maxField, [this] { track->setEnabled(false); }},
+        {"reached by keys", track, [this] { QTest::mouseRelease(track, Qt::LeftButton, {}, at(pixel(30))); }},
+    };
+    for (const auto& row : rows) {
+        row.before->setFocus(Qt::TabFocusReason);
+        QTest::mousePress(track, Qt::LeftButton, {}, at(pixel(20)));
+        QTest::mouseMove(track, at(pixel(30)));
+        EXPECT_EQ(slider.window()->focusWidget(), track) << row.what;
+        row.end();
+        EXPECT_EQ(slider.window()->focusWidget(), row.before) << row.what;
+        track->setEnabled(true);
+        QTest::mouseRelease(track, Qt::LeftButton, {}, at(pixel(30)));
+    }
 }
 
 TEST_F(RangeSlider, WheelPassesByUnlessTheFieldHasTheFocus)
