@@ -66,6 +66,7 @@ int GiBrush::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
         clear(frameBuffer);
         return 1;
     }
+    keepUpWithButton(*event);
     mousePos = McVec2i(event->x, event->y);
     drawing = event->left;
     const McBox2i frame(0, 0, frameBuffer->zoomedSize.x - 1, frameBuffer->zoomedSize.y - 1);
@@ -83,16 +84,22 @@ int GiBrush::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
         if (button->button == kLeft && button->pressed) press(*frameBuffer, *event);
         if (button->button == kLeft && !button->pressed) release(*frameBuffer, *event, repaint);
     } else if (event->as<McMotionEvent>() && event->left && !event->alt) {
-        if (hasPosition())
-            drawStroke(*frameBuffer, lastPos, mousePos, !event->ctrl);
-        else
-            putBrush(frameBuffer, mousePos, !event->ctrl);
+        drag(*frameBuffer, *event);
     }
     McBox2i changed = dataBox(*frameBuffer, repaint);
     if (drawing && !event->alt) gi->updateSelectionBoxes(changed, viewer);
     lastPos = mousePos;
     repaintViewers(changed);
     return 1;
+}
+
+void GiBrush::keepUpWithButton(const McEvent& event)
+{
+    const bool begins = McMouseButtonEvent::isButtonPressEvent(&event, kLeft);
+    const bool ends = McMouseButtonEvent::isButtonReleaseEvent(&event, kLeft) ||
+                      (event.as<McMotionEvent>() && !event.left); // also if nobody saw the release
+    if (begins) strokeStep = nullptr;
+    if (begins || ends) isPressed = begins;
 }
 
 /// The part of the screen where the outline was and where it will be.
@@ -126,6 +133,18 @@ void GiBrush::press(GiFrameBuffer& frameBuffer, const McEvent& event)
     frameBuffer.paste();
 }
 
+/// The way since the last event. The button may have gone down on another tool, which a key has replaced
+/// since; then there is no stroke.
+void GiBrush::drag(GiFrameBuffer& frameBuffer, const McEvent& event)
+{
+    if (!isPressed || mousePos == lastPos) return;
+    openStep();
+    if (hasPosition())
+        drawStroke(frameBuffer, lastPos, mousePos, !event.ctrl);
+    else
+        putBrush(&frameBuffer, mousePos, !event.ctrl);
+}
+
 void GiBrush::release(GiFrameBuffer& frameBuffer, McEvent& event, McBox2i& repaint)
 {
     if (points.size() > 0 && !event.alt) {
@@ -134,17 +153,33 @@ void GiBrush::release(GiFrameBuffer& frameBuffer, McEvent& event, McBox2i& repai
         drawing = 1; // what follows treats the polygon as the stroke that it has become
     }
     if (points.isEmpty()) gi->touchData(1, 0, viewer->getOrientation(), viewer->getSlice(), 0, 0);
+    strokeStep = nullptr;
 }
 
 void GiBrush::startInteraction(GiViewer* inViewer)
 {
     gi->saveUndoInformationForSlice(1, 0, inViewer); // selection, not labels
+    strokeStep = gi->undoActions.isEmpty() ? nullptr : gi->undoActions.last();
+    strokeOrientation = inViewer->getOrientation();
+    strokeSlice = inViewer->getSlice();
+}
+
+/// Opens an undo step unless the newest one is that of the stroke, for the slice in view: a press beside the
+/// image has made none, and keys can undo, change the selection or go to another slice in mid-stroke.
+void GiBrush::openStep()
+{
+    const bool isNewest =
+        strokeStep && !gi->undoActions.isEmpty() && gi->undoActions.last() == strokeStep.get();
+    const bool holdsSlice =
+        viewer->getOrientation() == strokeOrientation && viewer->getSlice() == strokeSlice;
+    if (!isNewest || !holdsSlice) startInteraction(viewer);
 }
 
 void GiBrush::finishInteraction(GiFrameBuffer* frameBuffer, McEvent* event)
 {
     if (points.isEmpty()) return;
     const int set = !event->ctrl;
+    openStep();
     // The polygon stays open: it is a stroke with corners.
     for (int i = 0; i + 1 < points.size(); ++i) drawStroke(*frameBuffer, points[i], points[i + 1], set);
     drawStroke(*frameBuffer, points.last(), mousePos, set);
@@ -195,6 +230,8 @@ void GiBrush::renderPolygon(GiFrameBuffer& frameBuffer) const
 
 void GiBrush::deselect(GiFrameBuffer* frameBuffer)
 {
+    isPressed = false;
+    strokeStep = nullptr;
     if (!frameBuffer || mousePos.x < kSomewhere) return;
     drawing = 1;
     const McBox2i box = penBox(mousePos, brushWidth, brushHeight);

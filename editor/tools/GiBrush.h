@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/GiAction.h"
 #include "mc/McBox.h"
 #include "mc/McDArray.h"
+#include "mc/McHandle.h"
 #include "mc/McVec.h"
 #include "tools/GiTool.h"
 
@@ -18,6 +20,8 @@ class GiViewer;
 /// The pen has a size in screen pixels, so it covers fewer voxels the larger they are shown: a voxel is taken
 /// when the centre of its block on screen lies under the pen, and the voxel under the pointer always is. Fast
 /// strokes have no gaps. Corners clicked with Alt make a polygon that is drawn with the pen when it ends.
+/// Each press is a step of undo; a stroke that goes on in another slice, or after some other step, gets
+/// another one there.
 class GiBrush : public QObject, public GiTool
 {
     Q_OBJECT
@@ -76,8 +80,11 @@ private:
     bool currentMaterialOnly() const;
     McBox2i penBox(const McVec2i& centre, int width, int height) const;
     McBox2i startRepaint(GiFrameBuffer& frameBuffer);
+    void keepUpWithButton(const McEvent& event);
+    void openStep();
     void fillAt(GiFrameBuffer& frameBuffer, const McEvent& event);
     void press(GiFrameBuffer& frameBuffer, const McEvent& event);
+    void drag(GiFrameBuffer& frameBuffer, const McEvent& event);
     void release(GiFrameBuffer& frameBuffer, McEvent& event, McBox2i& repaint);
     void drawStroke(GiFrameBuffer& frameBuffer, const McVec2i& from, const McVec2i& to, int set);
     void stampAlong(GiFrameBuffer& frameBuffer, const McBox2i& box, std::span<const McVec2i> places, int set);
@@ -87,7 +94,11 @@ private:
     static constexpr int kNowhere = -9999, kSomewhere = -9998;
     static constexpr int kLeastWeight = 128; // of the mask; heavier pixels count
 
-    int drawing = 0; // the left button is down
+    int drawing = 0;        // the left button is down
+    bool isPressed = false; // and went down on this tool, be it beside the image
+    // The undo step of the stroke, and what it holds; null: none yet.
+    McHandle<GiAction> strokeStep;
+    int strokeOrientation = 0, strokeSlice = 0;
     int brushWidth = 25, brushHeight = 25;
     McVec2i mousePos{kNowhere, kNowhere};
     McVec2i lastPos{kNowhere, kNowhere}; // of the event before

@@ -312,6 +312,109 @@ TEST_F(Brush, leavingForgetsThePolygonAndAStrokeGoesOnFromWhereItComesBack)
     EXPECT_EQ(count(), 2) << "the press, and a stamp where the pointer has come back";
 }
 
+TEST_F(Brush, whateverAStrokePaintsIsAStepOfItsOwn)
+{
+    GiViewer& viewer = editor.viewer(2);
+    const auto showAll = [&] {
+        editor.gi.updateSelectionBoxes();
+        editor.gi.redraw();
+    };
+    const auto selected = [&] { return std::pair(viewer.getSlice(), pixelsOf(viewer)); };
+    const auto begin = [&] { press(22, 22), drag(40, 22); };
+    const struct
+    {
+        const char* what;
+        std::function<void()> begin, meanwhile;
+        bool erases; // what is there then
+    } kStrokes[] = {
+        {"a press beside the image", [&] { press(-9, 22), drag(-5, 22); }, [] {}, true},
+        {"emptied while outside", [&] { press(22, 22), drag(-5, 22); },
+         [&] { editor.gi.clearSelection(0, true); }, false},
+        {"another slice in mid-stroke", begin, [&] { viewer.setSlice(4, false); }, false},
+        {"undo in mid-stroke", begin, [&] { editor.gi.undo(); }, true},
+        {"an edit in mid-stroke", begin, [&] { editor.gi.invertSelection(0); }, false},
+    };
+    for (const auto& stroke : kStrokes) {
+        SCOPED_TRACE(stroke.what);
+        viewer.setSlice(3, false);
+        editor.gi.clearSelection(1, true);
+        editor.gi.invertSelection(0); // the user's step before
+        showAll();
+        stroke.begin();
+        stroke.meanwhile();
+        showAll();
+        ctrl = stroke.erases;
+        const auto before = selected();
+        drag(60, 60);
+        drag(62, 60);
+        drag(100, 62);
+        EXPECT_NE(selected(), before);
+        release(100, 62);
+        editor.gi.undo();
+        EXPECT_EQ(selected(), before);
+        ctrl = false;
+    }
+}
+
+TEST_F(Brush, aStrokeThroughTwoSlicesIsUndoneSliceBySlice)
+{
+    GiViewer& viewer = editor.viewer(2);
+    press(2, 2);
+    drag(22, 2);
+    for (const int slice : {4, 3}) {
+        viewer.setSlice(slice, false);
+        drag(slice == 4 ? 42 : 62, 2);
+        drag(slice == 4 ? 42 : 62, 2); // not even a pixel: no step
+    }
+    EXPECT_EQ(editor.gi.undoActions.size(), 3);
+    EXPECT_EQ(count(), 12);
+    editor.gi.undo();
+    EXPECT_EQ(count(), 6);
+    editor.gi.undo();
+    viewer.setSlice(4, false);
+    EXPECT_EQ(count(), 0);
+    viewer.setSlice(3, false);
+    EXPECT_EQ(count(), 6);
+    editor.gi.undo();
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(Brush, aButtonThatWentDownOnAnotherToolPaintsNothing)
+{
+    const int other = 3;
+    const std::function<void()> kWays[] = {
+        [&] { // pressed before the brush was there
+            editor.gi.setTool(other);
+            send(buttonEvent(1, true, 22, 22));
+            editor.gi.setTool(GiBrush::kIndex);
+        },
+        [&] { // there and back in mid-stroke
+            press(22, 22);
+            editor.gi.setTool(other);
+            editor.gi.setTool(GiBrush::kIndex);
+        },
+        [&] { // up where nobody saw it
+            press(22, 22);
+            hover(22, 22);
+        },
+    };
+    for (const auto& hold : kWays) {
+        hold();
+        editor.gi.selection->clear();
+        editor.gi.redraw();
+        const int steps = editor.gi.undoActions.size();
+        drag(30, 30);
+        drag(60, 30);
+        EXPECT_EQ(count(), 0);
+        release(60, 30);
+        EXPECT_EQ(editor.gi.undoActions.size(), steps);
+        press(22, 22);
+        drag(40, 22);
+        EXPECT_GT(count(), 1) << "its own press paints";
+        release(40, 22);
+    }
+}
+
 TEST_F(Brush, theRightButtonFills)
 {
     brush->setBrushSize(40);
