@@ -5,7 +5,6 @@
 
 #include "core/GiOrientation.h"
 #include "core/mcFloodFill.h"
-#include "hx/HxWorkArea.h"
 
 #include <cmath>
 
@@ -295,31 +294,6 @@ std::string takenByWindow(float min, float max, int at)
     return taken;
 }
 
-TEST(MagicWandRow, KeptInAVolumeOfOneRowTheSeedAloneIsSelected)
-{
-    DrawnEditor editor(200, 1, 1);
-    std::vector<unsigned char> image(200, 5);
-    editor.gi.setVolumeByte(editor.dims, 200, image.data(), editor.lattice());
-    editor.gi.setToolDataWindow(5, 5, false);
-    auto& wand = dynamic_cast<GiMagicWand&>(*editor.gi.tools[GiMagicWand::kIndex]);
-    GiSelection3D& selection = *editor.gi.selection;
-    for (const int x : {0, 64, 100, 127, 199}) {
-        SCOPED_TRACE(x);
-        const auto others = [&](bool set) {
-            for (int i = 0; i < 200; ++i)
-                if (i != x && selection.get(i, 0, 0) != set) return false;
-            return true;
-        };
-        ASSERT_TRUE(wand.regionGrowing3D(GiMagicWand::kReplace, McVec3i(x, 0, 0)));
-        EXPECT_TRUE(selection.get(x, 0, 0));
-        EXPECT_TRUE(others(false));
-        for (unsigned long i = 0; i < 200; ++i) selection.set(i);
-        ASSERT_TRUE(wand.regionGrowing3D(GiMagicWand::kSubtract, McVec3i(x, 0, 0)));
-        EXPECT_FALSE(selection.get(x, 0, 0));
-        EXPECT_TRUE(others(true));
-    }
-}
-
 TEST(MagicWandWindow, BeyondTheElementTypeIsLimitedToIt)
 {
     EXPECT_EQ(takenByWindow<unsigned char>(-100, 300, 0), "###");
@@ -340,6 +314,76 @@ TEST(MagicWandWindow, KeptBelowTheSmallestShortItHoldsNothing)
     EXPECT_EQ(takenByWindow<short>(-32769, 100, 1), "...");
 }
 
+/// A slice's region by any code, beside a loop over its bits.
+void expectRegionsInSlices(unsigned long width)
+{
+    SCOPED_TRACE(width);
+    std::mt19937 random(13);
+    DrawnEditor editor(width, 31, 13);
+    std::vector<unsigned char> image(editor.size());
+    for (unsigned char& value : image) value = static_cast<unsigned char>(random() % 4 == 0);
+    editor.gi.setVolumeByte(editor.dims, static_cast<int>(width), image.data(), editor.lattice());
+    auto& wand = dynamic_cast<GiMagicWand&>(*editor.gi.tools[GiMagicWand::kIndex]);
+    GiSelection3D& selection = *editor.gi.selection;
+    for (int trial = 0; trial < 90; ++trial) {
+        SCOPED_TRACE(trial);
+        const int o = trial % 3, code = trial / 3 % 3;
+        MagicWandSeed seed;
+        seed.orientation = o;
+        seed.setVoxel(McVec3i(static_cast<int>(random() % width), static_cast<int>(random() % 31),
+                              static_cast<int>(random() % 13)));
+        GiViewer& viewer = *editor.gi.activate(o);
+        viewer.setSlice(seed.coordinate(o), false);
+        for (unsigned long i = 0; i < editor.size(); ++i)
+            if (random() & 1) selection.set(i);
+        McBitfield bits;
+        McBox2i box;
+        wand.grow2D(bits, box, seed);
+        std::vector<bool> expected;
+        for (unsigned long i = 0; i < editor.size(); ++i) expected.push_back(selection.isSet(i));
+        const int columns = selection.getWidth(o), rows = selection.getHeight(o);
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < columns; ++x) {
+                const McVec3i v = editor.gi.getPoint3D(x, y, &viewer);
+                const auto voxel = static_cast<std::size_t>(v.x + static_cast<int>(width) * (v.y + 31 * v.z));
+                if (bits.isSet(static_cast<unsigned long>(y * columns + x)))
+                    expected[voxel] = code != GiMagicWand::kSubtract;
+                else if (code == GiMagicWand::kReplace)
+                    expected[voxel] = false;
+            }
+        ASSERT_TRUE(wand.regionGrowing2D(*viewer.getFrameBuffer(), code, seed));
+        for (unsigned long i = 0; i < editor.size(); ++i) ASSERT_EQ(selection.isSet(i), expected[i]) << i;
+    }
+}
+
+TEST(MagicWandSlices, EveryCodeChangesTheBitsOfTheRegionAlone)
+{
+    expectRegionsInSlices(64); // slices lie in the volume as in whole words, rows too
+    expectRegionsInSlices(67);
+}
+
+TEST_F(WandEditor, KeptTheLabelsAreThoseOfTheSliceInView)
+{
+    unsigned char* inView = editor.labels() + 2 * kWidth * kHeight;
+    inView[7] = 1; // the first row ends in another material, in slice 2 alone
+    MagicWandSeed seed;
+    seed.orientation = 2;
+    seed.setVoxel(McVec3i(4, 0, 1));
+    seed.min = seed.max = 2;
+    seed.sameMaterial = 1;
+    McBitfield bits;
+    McBox2i box;
+    wand.grow2D(bits, box, seed);
+    EXPECT_TRUE(bits.isSet(7));
+    editor.viewer(2).setSlice(2, false);
+    wand.grow2D(bits, box, seed);
+    EXPECT_FALSE(bits.isSet(7));
+    EXPECT_TRUE(bits.isSet(6));
+    editor.gi.activate(0); // has none that would fit: those of the seed's own slice
+    wand.grow2D(bits, box, seed);
+    EXPECT_TRUE(bits.isSet(7));
+}
+
 TEST_F(WandEditor, LimitsOfAFileMayLieAnywhere)
 {
     MagicWandLimit limit;
@@ -354,65 +398,6 @@ TEST_F(WandEditor, LimitsOfAFileMayLieAnywhere)
     EXPECT_EQ(rows(), (Rows{"#####...", "#####...", "#####...", "#####..."}));
     click(5, 0);
     EXPECT_EQ(rows(), (Rows{".....#..", ".....#..", ".....#..", ".....#.."})) << "along the line only";
-}
-
-TEST_F(WandEditor, AGrowingThatIsStoppedChangesNothing)
-{
-    // Large enough that the fill looks whether it shall stop.
-    DrawnEditor large(64, 64, 64);
-    std::vector<unsigned char> plain(large.size(), 5);
-    large.gi.setVolumeByte(large.dims, 64, plain.data(), large.lattice());
-    GiMagicWand& tool = toolOf(large);
-    tool.getWidget(nullptr)->findChild<QCheckBox*>("wAllSlicesCheckBox")->setChecked(true);
-    large.gi.setTool(GiMagicWand::kIndex);
-    large.gi.setToolDataWindow(5, 5, false);
-    large.gi.selection->set(1, 2, 3);
-    large.gi.valueUnderPointer = 5;
-    HxWorkArea::getTheWorkArea()->interruptAfter(2);
-    McMouseButtonEvent event = buttonEvent(1, true, 40, 40);
-    large.buffer(2).handleEvent(&event);
-    HxWorkArea::getTheWorkArea()->interruptAfter(0);
-    EXPECT_TRUE(large.gi.selection->get(1, 2, 3));
-    EXPECT_FALSE(large.gi.selection->get(30, 30, 30));
-    EXPECT_FALSE(large.gi.canUndo()) << "no step for nothing";
-    EXPECT_EQ(tool.seeds.size(), 1) << "a narrower window can still be tried from it";
-    EXPECT_EQ(HxWorkArea::getTheWorkArea()->busyDepth(), 0);
-    large.buffer(2).handleEvent(&event);
-    EXPECT_TRUE(large.gi.selection->get(63, 63, 63));
-}
-
-/// A work area's view that clicks as soon as something long begins.
-class ImpatientHand : public HxWorkAreaView
-{
-public:
-    explicit ImpatientHand(GiFrameBuffer& target) : buffer(target) {}
-    void showBusy(const char* text) override
-    {
-        if (text) texts.push_back(text);
-        McMouseButtonEvent event = buttonEvent(1, true, 5, 5);
-        buffer.handleEvent(&event);
-    }
-    void showIdle() override {}
-    void showText(const char*) override {}
-    void showProgress(double) override {}
-    bool poll() override { return false; }
-
-    GiFrameBuffer& buffer;
-    std::vector<std::string> texts;
-};
-
-TEST_F(WandEditor, AClickWhileTheVolumeIsGrownIsSwallowed)
-{
-    allSlices->setChecked(true);
-    ImpatientHand hand(buffer());
-    HxWorkArea::getTheWorkArea()->setView(&hand);
-    click(6, 1);
-    HxWorkArea::getTheWorkArea()->setView(nullptr);
-    EXPECT_EQ(hand.texts, (Lines{"3D region growing..."}));
-    ASSERT_EQ(wand.seeds.size(), 1);
-    EXPECT_EQ(wand.seeds[0].x, 6);
-    EXPECT_EQ(editor.gi.undoActions.size(), 1);
-    EXPECT_EQ(rows(3), (Rows{"...#####", "...#####", "....####", "...###.#"}));
 }
 
 } // namespace

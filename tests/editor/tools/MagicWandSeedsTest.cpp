@@ -97,6 +97,29 @@ TEST_F(MagicWandSeeds, WhatAClickRefuses)
     EXPECT_FALSE(editor.gi.selection->isSet()) << "nothing grows, but the old selection is replaced";
 }
 
+TEST_F(MagicWandSeeds, MaskingRefusesValuesOutsideTheWindowAndLeavesTheWindowToTheMask)
+{
+    editor.gi.masking = true;
+    editor.gi.selection->set(0, 3, 1);
+    press(1, 1); // of value 1
+    EXPECT_EQ(wand.seeds.size(), 0);
+    EXPECT_FALSE(editor.gi.canUndo());
+    EXPECT_TRUE(editor.gi.selection->get(0, 3, 1));
+    press(6, 1);
+    const Rows region = {"...#####", "...#####", "....####", "...###.#"};
+    EXPECT_EQ(rows(), region);
+    for (const bool all : {false, true}) {
+        SCOPED_TRACE(all);
+        editor.gi.tracking = false;
+        allSlices->setChecked(all);
+        EXPECT_FALSE(editor.gi.tracking) << "the slider's steps are the mask's business";
+        drag(1, 9);
+        EXPECT_TRUE(editor.gi.tracking);
+        EXPECT_EQ(rows(), region);
+        setWindow(2, 2);
+    }
+}
+
 TEST_F(MagicWandSeeds, TheRegionFollowsWindowAndPanel)
 {
     click(6, 1);
