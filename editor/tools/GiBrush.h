@@ -34,6 +34,8 @@ public:
     const char* getIconName() const override { return "SegBrushIcon.png"; }
     void render(GiFrameBuffer* frameBuffer, const McBox2i& box) override;
     int handleEvent(GiFrameBuffer* frameBuffer, McEvent* event) override;
+    /// While the button is down, so that its release is not taken for a grip at the cross hair.
+    bool isDragging() const override { return isPressed; }
     void deselect(GiFrameBuffer* frameBuffer) override;
     void createWidget(QWidget* parent) override;
     void select() override {}

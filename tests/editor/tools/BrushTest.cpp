@@ -4,6 +4,7 @@
 #include "editor/tools/ViewerEvents.h"
 
 #include "tools/GiBrush.h"
+#include "tools/GiCrossHairTool.h"
 
 #include <QSlider>
 #include <QSpinBox>
@@ -264,6 +265,24 @@ TEST_F(Brush, controlErasesFromWhereItIsHeld)
     drag(24, 2);
     EXPECT_EQ(count(), 6) << "pixels 9 to 6 are gone";
     EXPECT_EQ(editor.gi.undoActions.size(), 1);
+}
+
+TEST_F(Brush, aStrokeEndsAlsoOnALineOfTheCrossHair)
+{
+    GiCrossHairTool& crossHair = *editor.gi.crossHair;
+    crossHair.setPosition(McVec3i(10, 20, editor.viewer(2).getSlice()));
+    crossHair.setVisible(true);
+    buffer().addShape(&crossHair);
+    buffer().render(nullptr);
+    press(2, 2);
+    drag(42, 2); // pixel (10, 0)
+    editor.gi.touches.clear();
+    release(42, 2);
+    EXPECT_EQ(editor.gi.touches.size(), 1u);
+    EXPECT_FALSE(brush->isDragging());
+    hover(43, 2);
+    press(43, 2);
+    EXPECT_TRUE(crossHair.isDragging()) << "a fresh press is the line's again";
 }
 
 TEST_F(Brush, otherViewersShowTheNewOutlinesOfItsNeighbours)
