@@ -1,6 +1,6 @@
 # Finds the lateral ventricles of an MRI with the magic wand and tells their volume.
 #
-#   vorel --headless examples/ventricles.tcl
+#   vorel --headless examples/growVentricles.tcl
 #
 # A click in a ventricle with "All slices" takes all voxels of its values that hang together with it. In the labels
 # the seed stays, so the region can be picked and changed later. They become out/ventricles.nrrd, or lie in the

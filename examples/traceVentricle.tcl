@@ -1,6 +1,6 @@
 # Outlines the lateral ventricles of a brain with the lasso's auto trace, in three orientations.
 #
-#   vorel examples/ventricle.tcl
+#   vorel examples/traceVentricle.tcl
 #
 # Plays the clicks that a person makes: one on the edge to begin, some along it to fix what is right so far, a
 # right click to close. The result becomes the material "Inside"; pictures of the traces under way and of what
