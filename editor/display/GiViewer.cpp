@@ -56,6 +56,8 @@ void GiViewer::computeZoomedSizes(float zoom, const int* dims, const float* bbox
 {
     const int m = longestAxis(dims);
     std::fill(sizes, sizes + 3, McVec2i(1, 1));
+    // kept: also a line of voxels is a dot in every view, whatever the zoom. No slice of it has two sides
+    // whose proportion could be kept, and two sides without one would show a thickness that is not there.
     if (dims[m] < 2 || (dims[(m + 1) % 3] < 2 && dims[(m + 2) % 3] < 2)) return;
 
     const float extent[3] = {bbox[1] - bbox[0], bbox[3] - bbox[2], bbox[5] - bbox[4]};
