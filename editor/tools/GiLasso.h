@@ -109,6 +109,7 @@ private:
     void startAutoTracing(GiFrameBuffer& buffer, const McEvent& event, const McVec2i& pixel);
     void updateAutoTracing(GiFrameBuffer& buffer, const McVec2i& pixel);
     McBox2i changeOfTrace(const McVec2i& end);
+    void extendByWay(McBox2i& box, McVec2i from, const McVec2i& to);
     McBox2i startOfTrace(const McVec2i& first) const;
     McVec2i traceEndAt(const McVec2i& pixel);
     void appendAutoTraceToPath(const GiFrameBuffer& buffer, const McVec2i& pixel);

@@ -16,6 +16,7 @@ constexpr int kClosingDistance = 5; // screen pixels; a fixing click nearer to t
 // Pixels at the pointer that a fixing click does not fix: there the path is least settled, as the pointer is
 // rarely on the edge itself.
 constexpr int kUnsettled = 3;
+constexpr McVec2i kNowhere(-1, -1);
 
 } // namespace
 
@@ -140,14 +141,24 @@ McBox2i GiLasso::changeOfTrace(const McVec2i& end)
     McVec2i old, fork;
     scissors.markPath(end.x, end.y, old.x, old.y, fork.x, fork.y);
     McBox2i changed;
-    for (McVec2i from : {old, end}) {
-        changed.extendBy(from.x, from.y);
-        while (!(from == fork) && scissors.next(from.x, from.y)) changed.extendBy(from.x, from.y);
-        if (!(from == fork)) changed.extendBy(startOfTrace(from));
+    if (hasTraceEnd) {
+        extendByWay(changed, old, fork);
+        extendByWay(changed, end, fork);
+    } else {
+        // After a fixing click nothing is drawn of the old way, which the new one may lead through.
+        extendByWay(changed, end, kNowhere); // as far as it goes
     }
     traceEnd = end;
     hasTraceEnd = true;
     return changed;
+}
+
+/// The way of the trace from a pixel up to another one, or else to where the trace begins.
+void GiLasso::extendByWay(McBox2i& box, McVec2i from, const McVec2i& to)
+{
+    box.extendBy(from.x, from.y);
+    while (!(from == to) && scissors.next(from.x, from.y)) box.extendBy(from.x, from.y);
+    if (!(from == to)) box.extendBy(startOfTrace(from));
 }
 
 /// What is drawn between the outline that is fixed and the first pixel of the trace.

@@ -4,6 +4,9 @@
 
 #include "tools/GiBrush.h"
 
+#include <algorithm>
+#include <random>
+
 namespace {
 
 /// The same gesture on an engine of its own, with all of the outline.
@@ -133,6 +136,26 @@ TEST_F(LassoTrace, closesBelowFiveScreenPixels)
     send(buttonEvent(1, true, first.x, first.y + 4));
     EXPECT_FALSE(lasso->isDragging());
     EXPECT_GT(count(), 200);
+}
+
+TEST_F(LassoTrace, aWanderingPointerLeavesNoGapsOnScreen)
+{
+    std::mt19937 random(11);
+    McVec2i at(20, 15);
+    int numFixed = 0;
+    for (int i = 0; i < 1500 && !HasFailure(); ++i) {
+        const bool jumps = random() % 20 == 0;
+        const auto step = [&] { return static_cast<int>(random() % 3) - 1; };
+        at.x = std::clamp(jumps ? static_cast<int>(random() % 40) : at.x + step(), 0, 39);
+        at.y = std::clamp(jumps ? static_cast<int>(random() % 30) : at.y + step(), 0, 29);
+        hover(at.x, at.y); // send() compares with the picture drawn as a whole
+        const bool wasTracing = lasso->isDragging();
+        if (wasTracing && random() % 12 != 0) continue;
+        press(at.x, at.y);
+        release(at.x, at.y);
+        numFixed += wasTracing && lasso->isDragging();
+    }
+    EXPECT_GT(numFixed, 50);
 }
 
 TEST_F(LassoTrace, theRightButtonFinishesAndLeavingAbandons)
