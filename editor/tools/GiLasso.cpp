@@ -45,6 +45,10 @@ int GiLasso::handleEvent(GiFrameBuffer* buffer, McEvent* event)
 {
     if (!buffer->viewer) return 0;
     keepUpWithView();
+    if (isDragging() && isGivenUp(*event)) {
+        abandon();
+        return 1;
+    }
     if (drawingMode == kEllipse) return handleEventEllipse(*buffer, *event);
     if (drawingMode == kRectangle) return handleEventRectangle(*buffer, *event);
     return autoTrace ? handleEventAutoTrace(*buffer, *event) : handleEventFreehand(*buffer, *event);

@@ -26,8 +26,8 @@ class GiViewer;
 /// outline takes every voxel that is seen inside or outside of it.
 ///
 /// A gesture belongs to the viewer where it began: other viewers swallow what reaches them meanwhile. The
-/// outline keeps to its pixels when the picture is zoomed or moved. It goes, and selects nothing, when the
-/// tool, the orientation or the data change, or when memory runs out under it.
+/// outline keeps to its pixels when the picture is zoomed or moved. It goes, and selects nothing, at Escape,
+/// when the tool, the orientation or the data change, or when memory runs out under it.
 class GiLasso : public QObject, public GiTool
 {
     Q_OBJECT

@@ -113,6 +113,11 @@ int GiPickRegion::handleEvent(GiFrameBuffer* frameBuffer, McEvent* event)
     updateModifiers(*event);
     try {
         settleDrag(*frameBuffer, *event);
+        if (isDragging() && isGivenUp(*event)) {
+            cancelDrag();
+            checkCursor(*frameBuffer, *event);
+            return 1;
+        }
         if (flags & kTranslating) return handleEventTranslate(frameBuffer, event);
         if (flags & kRotating) return handleEventRotate(frameBuffer, event);
         checkCursor(*frameBuffer, *event);

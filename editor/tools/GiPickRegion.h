@@ -20,7 +20,7 @@ class McMemoryException;
 /// in the slice or in the volume. A press on the selection takes hold of it: the slice follows the pointer,
 /// the other slices follow when the button goes up. What is dragged beyond the slice's edge comes back with
 /// the pointer, as each motion starts from the state at the press; what lies there at the release is lost. A
-/// drag is one step of undo. It ends early, with what it
+/// drag is one step of undo; Escape takes it back, and its step with it. It ends early, with what it
 /// has reached, when the viewer goes to another slice, the tool changes, or the release was lost; and it is
 /// dropped when something else has changed the selection meanwhile.
 class GiPickRegion : public GiTool
@@ -77,6 +77,7 @@ private:
     void settleDrag(const GiFrameBuffer& frameBuffer, const McEvent& event);
     void endDrag();
     void dropDrag();
+    void cancelDrag();
     void giveUp(const McMemoryException& exception);
 
     QPointer<QCheckBox> allSlices, selectAll;

@@ -228,11 +228,17 @@ void GiPickRegion::dropDrag()
     pattern = GiSlicePattern();
 }
 
-void GiPickRegion::giveUp(const McMemoryException& exception)
+/// Back to where the selection was at the press, without a step of undo.
+void GiPickRegion::cancelDrag()
 {
     const bool hasMoved = isDragging() && !(flags & kUndoPending);
     dropDrag();
-    if (hasMoved) gi->undo(); // some of the slices may have followed, others not
+    if (hasMoved) gi->undo();
+}
+
+void GiPickRegion::giveUp(const McMemoryException& exception)
+{
+    cancelDrag(); // some of the slices may have followed, others not
     HxMessage::getTheMsg()->memError(exception.size());
 }
 

@@ -1,5 +1,7 @@
 #include "tools/GiTool.h"
 
+#include "mc/McEvent.h"
+
 GiTool::~GiTool()
 {
     if (widget && !widget->parent()) delete widget;
@@ -18,6 +20,12 @@ const QCursor* GiTool::getToolCursor() const
 {
     if (!cursor) cursor = makeCursor();
     return &*cursor;
+}
+
+bool GiTool::isGivenUp(const McEvent& event)
+{
+    const auto* key = event.as<McKeyboardEvent>();
+    return key && !key->released && key->key == McKeyboardEvent::kEscape;
 }
 
 QCursor GiTool::makeCursor() const

@@ -54,6 +54,8 @@ public:
     const char* name = "";
 
 protected:
+    /// Whether a gesture that is under way is given up: a press of Escape.
+    static bool isGivenUp(const McEvent& event);
     /// Makes the tool's own cursor; an arrow here. Asked for once, and only when there is a display to
     /// show it: tools also run in scripts without one.
     virtual QCursor makeCursor() const;

@@ -127,6 +127,13 @@ protected:
         press(x, y, keys);
         release(x, y, keys);
     }
+    int pressEscape(int viewer = 2)
+    {
+        McKeyboardEvent event;
+        event.key = McKeyboardEvent::kEscape;
+        event.released = 0;
+        return send(event, viewer);
+    }
     int releaseAlt(bool leftIsHeld = false, int viewer = 2)
     {
         McKeyboardEvent event;

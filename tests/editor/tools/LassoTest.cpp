@@ -187,7 +187,7 @@ TEST_F(Lasso, undoAndSliceChangeInMidGestureLoseNothing)
     EXPECT_TRUE(isSet(31, 20));
 }
 
-TEST_F(Lasso, otherToolsPlanesAndDataEndTheGesture)
+TEST_F(Lasso, otherToolsPlanesDataAndEscapeEndTheGesture)
 {
     const struct
     {
@@ -196,6 +196,8 @@ TEST_F(Lasso, otherToolsPlanesAndDataEndTheGesture)
     } kEnds[] = {
         {"tool", [&] { editor.gi.setTool(GiBrush::kIndex); }},
         {"data", [&] { editor.gi.initTools(); }},
+        {"Escape", [&] { EXPECT_EQ(pressEscape(), 1); }},
+        {"Escape, with the keys in another viewer", [&] { EXPECT_EQ(pressEscape(0), 1); }},
         {"orientation",
          [&] {
              editor.viewer(2).setOrientation(0);
@@ -226,6 +228,24 @@ TEST_F(Lasso, otherToolsPlanesAndDataEndTheGesture)
     drag(9, 3);
     release(9, 9);
     EXPECT_EQ(count(), 0) << "moves without a press draw nothing";
+}
+
+TEST_F(Lasso, escapeGivesUpAPolygonAndKeepsTheStepsOfOthers)
+{
+    EXPECT_EQ(pressEscape(), 0) << "nothing is open";
+    openSquare();
+    pressEscape();
+    EXPECT_TRUE(isClean());
+    EXPECT_EQ(editor.gi.undoActions.size(), 0);
+    EXPECT_EQ(releaseAlt(), 1);
+    EXPECT_EQ(count(), 0);
+
+    openSquare();
+    editor.gi.invertSelection(0);
+    pressEscape();
+    EXPECT_FALSE(lasso->isDragging());
+    EXPECT_EQ(editor.gi.undoActions.size(), 2) << "its own is not the newest";
+    EXPECT_EQ(count(), 40 * 30);
 }
 
 // Ellipse and rectangle

@@ -351,8 +351,12 @@ TEST_F(LassoTrace, staysOnItsPixelsAndInItsViewer)
     EXPECT_EQ(count(), 0) << "the slice that was changed is brought back";
 }
 
-TEST_F(LassoTrace, toolsDataAndPlanesEndIt)
+TEST_F(LassoTrace, toolsDataPlanesAndEscapeEndIt)
 {
+    traceThreeCorners();
+    pressEscape();
+    EXPECT_TRUE(isClean());
+    EXPECT_FALSE(editor.gi.canUndo());
     traceThreeCorners();
     editor.gi.setTool(GiBrush::kIndex);
     EXPECT_TRUE(isClean());

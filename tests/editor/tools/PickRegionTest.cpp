@@ -87,6 +87,14 @@ public:
         const McVec2i p = editor.buffer(o).pixelCentre(i, j);
         return send(motionEvent(0, p.x, p.y), shift, ctrl);
     }
+    int pressEscape()
+    {
+        McKeyboardEvent event;
+        event.key = McKeyboardEvent::kEscape;
+        event.released = 0;
+        event.x = event.y = -100;
+        return send(event);
+    }
     int release() { return send(buttonEvent(1, false, 0, 0)); }
     void select(std::initializer_list<McVec3i> voxels)
     {
@@ -539,6 +547,30 @@ TEST_F(PickedBlob, aDragThatIsCutShortKeepsWhatItHasReached)
         while (p.editor.gi.canUndo()) p.editor.gi.undo();
         ASSERT_TRUE(p.selected() == before);
     }
+}
+
+TEST_F(PickedBlob, escapeTakesADragBack)
+{
+    EXPECT_EQ(p.pressEscape(), 0) << "nothing is dragged";
+    p.editor.gi.saveUndoInformationForVolume(1, 0, nullptr); // another's step
+    for (const bool turns : {false, true}) {
+        for (const bool all : {false, true}) {
+            SCOPED_TRACE(std::string(turns ? "turned" : "moved") + (all ? ", all slices" : ", one slice"));
+            p.allSlices->setChecked(all);
+            for (const bool hasMoved : {true, false}) {
+                p.press(8, 8, turns);
+                if (hasMoved) p.drag(0, 15); // partly out of the slice
+                EXPECT_EQ(p.selected() == before, !hasMoved);
+                EXPECT_EQ(p.pressEscape(), 1);
+                EXPECT_FALSE(p.tool->isDragging());
+                p.drag(4, 15); // the button is still down
+                p.release();
+                EXPECT_TRUE(p.selected() == before);
+                EXPECT_EQ(p.editor.gi.undoActions.size(), 1);
+            }
+        }
+    }
+    EXPECT_EQ(p.tool->getTranslationVec(), McVec3f());
 }
 
 TEST_F(PickedBlob, aDragIsDroppedWhenSomethingElseChangesTheSelection)
