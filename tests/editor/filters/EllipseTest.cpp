@@ -4,7 +4,6 @@
 
 #include "filters/GiShapeFilter.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -89,6 +88,7 @@ struct PlainFit
         int rx = (x1 - x0) / 2;
         const int ry = (y1 - y0) / 2;
         if (rx < ry) rx = ry;
+        // kept: a longer second radius counts in the quality but is not taken.
         int best = quality(rx, ry), bestRx = rx, bestRy = ry;
         const int tried[6][4] = {{rx + 1, ry + 1, rx + 1, ry + 1}, {rx - 1, ry - 1, rx - 1, ry - 1},
                                  {rx + 1, ry, rx + 1, ry},         {rx, ry + 1, rx, ry},
@@ -162,52 +162,6 @@ TEST(Ellipse, IsTheOneOfThePlainRuleInEachOrientation)
             EXPECT_EQ(editor.copyOfSelection(), before) << d.name;
         }
     }
-}
-
-TEST(Ellipse, HasTheAngleOfTheDrawing)
-{
-    const struct
-    {
-        const char* name;
-        float a, b, angle, phi, within;
-    } kCases[] = {
-        {"circle", 9, 9, 0, 0, 0},
-        {"lying", 14, 6, 0, 0, 0},
-        {"standing", 6, 14, 0, 1.5707964f, 0},
-        {"tilted", 15, 5, 0.5f, 0.5f, 0.02f},
-        {"diagonal", 15, 5, 0.7853982f, 0.7853982f, 0},
-        {"other diagonal", 15, 5, -0.7853982f, -0.7853982f, 0},
-        {"steep", 15, 5, 1.3f, 1.3f, 0.02f},
-    };
-    for (const auto& c : kCases) {
-        TestEditor editor(41, 41, 1);
-        GiSelection2D& slice = *editor.gi.activate(2)->getSelection();
-        GiShapeFilter::drawFilledEllipse(slice, c.angle, {20, 20}, {c.a, c.b});
-        GiShapeFilter filter(&editor.gi);
-        testing::internal::CaptureStderr();
-        filter.applyEllipse();
-        EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                    testing::MatchesRegex("rx :[0-9]+ ry:[0-9]+\nqual: [0-9]+, opt: [0-9]+, optrx: [0-9]+, "
-                                          "optry: [0-9]+\n"));
-        EXPECT_NEAR(filter.phi, c.phi, c.within) << c.name;
-    }
-}
-
-// kept: a longer second radius counts in the quality but is not taken.
-TEST(Ellipse, ALongerSecondRadiusIsNotTaken)
-{
-    TestEditor editor(41, 41, 1);
-    GiShapeFilter filter(&editor.gi);
-    filter.selection->resize(41, 41);
-    filter.scratch->resize(41, 41);
-    filter.center[0] = filter.center[1] = 20;
-    filter.drawFilledEllipse(*filter.selection, 0, {20, 20}, {12, 7});
-    int rx = 12, ry = 6;
-    EXPECT_EQ(filter.optimize(filter.quality(12, 6), 12, 6, rx, ry), 0);
-    EXPECT_EQ(rx, 12);
-    EXPECT_EQ(ry, 6);
-    EXPECT_EQ(filter.optimize(filter.quality(12, 8), 12, 8, rx, ry), 0);
-    EXPECT_EQ(ry, 7);
 }
 
 // kept: one row more fits a line best but is not taken, and an ellipse without a width has no pixel.

@@ -109,22 +109,6 @@ TEST_P(GrowShrink, ChangesAllSlicesOrTheVolumeOnAnyNumberOfThreads)
     mcSetNumThreads(usual);
 }
 
-TEST_P(GrowShrink, BordersDoNotErode)
-{
-    selection.clear();
-    selection.invert();
-    const std::vector<bool> full = asVector(selection.bits);
-    for (int o = 0; o < 3; ++o) {
-        GiSelection2D view = selection.getSlice(0, o);
-        GiShapeFilter::erode2D(view);
-    }
-    GiShapeFilter::erode3D(selection, nullptr);
-    EXPECT_EQ(asVector(selection.bits), full);
-    selection.clear();
-    GiShapeFilter::dilate3D(selection, nullptr);
-    EXPECT_FALSE(selection.isSet());
-}
-
 // Rows that fill words, that end just before or behind them, and that are shorter than one.
 INSTANTIATE_TEST_SUITE_P(Sizes, GrowShrink,
                          testing::Values(std::array{1, 1, 1}, std::array{64, 7, 5}, std::array{63, 9, 4},

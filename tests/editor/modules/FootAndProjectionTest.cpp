@@ -32,7 +32,6 @@ TEST(Foot, ScalesThePeriod)
         foot.frequency = c.frequency;
         EXPECT_EQ(foot.getValue(), c.value) << c.frequency;
     }
-    EXPECT_EQ(foot.getFrequency(7), 1000.0f);
 }
 
 TEST(Foot, EndsItsChild)
@@ -43,7 +42,6 @@ TEST(Foot, EndsItsChild)
         while (true) pause();
     {
         McFoot foot;
-        McFoot::forkedLoopS(&foot); // has nothing to measure, and returns
         foot.childId = child;
     }
     int status = 0;
@@ -95,21 +93,6 @@ TEST(RestrictedProjection, KeepsThePixelsOfEachPlane)
     const int widths[3] = {7, 5, 5}, heights[3] = {4, 4, 7};
     McRestrictedProjectedVolume volume(dims);
     std::mt19937 random(6);
-    for (int plane = 0; plane < 3; ++plane) {
-        GiSelection2D selection;
-        selection.resize(widths[plane], heights[plane]);
-        for (int i = 0; i < widths[plane] * heights[plane]; ++i)
-            if (random() % 2) selection.set(static_cast<unsigned long>(i));
-        volume.setPlane(plane, &selection);
-        for (int i = 0; i < 2; ++i) volume.setPlane(plane, &selection); // again: nothing is left over
-        const McBitfield& bits = volume.planes[plane];
-        ASSERT_EQ(bits.numBits(), selection.width * selection.height);
-        for (int y = 0; y < heights[plane]; ++y)
-            for (int x = 0; x < widths[plane]; ++x)
-                EXPECT_EQ(bits.isSet(static_cast<unsigned long>(y * widths[plane] + x)),
-                          selection.isSet(x, y));
-    }
-    // A window into a volume: rows and columns that lie apart.
     McBitfield field;
     field.resize(2000);
     for (unsigned long i = 0; i < 2000; ++i)
@@ -118,14 +101,19 @@ TEST(RestrictedProjection, KeepsThePixelsOfEachPlane)
     {
         unsigned long offset, xStride, yStride;
     };
-    for (const Window w : {Window{3, 1, 5}, Window{37, 1, 101}, Window{5, 7, 35}, Window{0, 100, 1}}) {
-        GiSelection2D window;
-        window.setBitfield(&field, 5, 7, w.offset, w.xStride, w.yStride);
-        volume.setPlane(2, &window);
-        for (int y = 0; y < 7; ++y)
-            for (int x = 0; x < 5; ++x)
-                EXPECT_EQ(volume.planes[2].isSet(static_cast<unsigned long>(y * 5 + x)), window.isSet(x, y));
-    }
+    // Windows into a volume: rows and columns that lie apart. None leaves anything to the next one.
+    for (const Window w : {Window{3, 1, 7}, Window{37, 1, 101}, Window{5, 7, 35}, Window{0, 100, 1}})
+        for (int plane = 0; plane < 3; ++plane) {
+            const int width = widths[plane], height = heights[plane];
+            GiSelection2D window;
+            window.setBitfield(&field, width, height, w.offset, w.xStride, w.yStride);
+            volume.setPlane(plane, &window);
+            const McBitfield& bits = volume.planes[plane];
+            ASSERT_EQ(bits.numBits(), static_cast<unsigned long>(width * height));
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x)
+                    EXPECT_EQ(bits.isSet(static_cast<unsigned long>(y * width + x)), window.isSet(x, y));
+        }
     GiSelection2D larger;
     larger.resize(50, 50);
     larger.invert();

@@ -9,7 +9,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -75,24 +77,28 @@ TEST_F(LicImageFiles, ComeBackAsTheyWere)
     }
 }
 
-TEST_F(LicImageFiles, BeginWithTheLastRow)
+TEST_F(LicImageFiles, HaveTheLastRowFirstAndSixteenValuesALine)
 {
-    unsigned char pixels[] = {1, 2, 3, 0, 250, 251, 252, 0};
-    const LicImage two(3, 2, 4, pixels);
-    two.writePNM(path.c_str(), 0);
-    EXPECT_EQ(contents(), "P5\n3 2\n255\n\xfa\xfb\xfc\x01\x02\x03");
-    two.writePNM(path.c_str(), 1);
-    EXPECT_EQ(contents(), "P2\n3 2\n255\n250  251  252  001  002  003  ");
-}
-
-TEST_F(LicImageFiles, HaveSixteenValuesALine)
-{
-    image.setSize(10, 4, 1);
-    image.clear();
-    image.writePNM(path.c_str(), 1);
-    std::string expected = "P2\n10 4\n255\n";
-    for (int i = 1; i <= 40; ++i) expected += i % 16 ? "000  " : "000 \n";
-    EXPECT_EQ(contents(), expected);
+    struct Case
+    {
+        int width, height, channels, stride, text;
+        const char* contents;
+    };
+    const Case cases[] = {
+        {3, 2, 1, 4, 0, "P5\n3 2\n255\n\x05\x06\x07\x01\x02\x03"},
+        {3, 2, 1, 4, 1, "P2\n3 2\n255\n005  006  007  001  002  003  "},
+        {1, 18, 1, 1, 1,
+         "P2\n1 18\n255\n018  017  016  015  014  013  012  011  010  009  008  007  006  005  004  003 \n"
+         "002  001  "},
+        {2, 1, 4, 8, 0, "P5\n2 1\n255\n\x01\x05"}, // four channels are gray by their first
+    };
+    unsigned char pixels[20];
+    std::iota(pixels, pixels + 20, 1);
+    for (const Case& c : cases) {
+        const LicImage written(c.width, c.height, c.channels, c.stride, pixels);
+        written.writePNM(path.c_str(), c.text);
+        EXPECT_EQ(contents(), c.contents);
+    }
 }
 
 TEST_F(LicImageFiles, ColorTextHoldsTheFirstChannelAlone)
@@ -107,40 +113,24 @@ TEST_F(LicImageFiles, ColorTextHoldsTheFirstChannelAlone)
     EXPECT_EQ(bytesOf(image), bytesOf(color));
 }
 
-TEST_F(LicImageFiles, FourChannelsAreGrayByTheirFirst)
+TEST_F(LicImageFiles, ComeFromOtherProgramsAndThroughPipes)
 {
-    unsigned char pixels[] = {10, 20, 30, 40, 50, 60, 70, 80};
-    LicImage(2, 1, 4, 8, pixels).writePNM(path.c_str(), 0);
-    EXPECT_EQ(contents(), "P5\n2 1\n255\n\x0a\x32");
-}
-
-TEST_F(LicImageFiles, ComeThroughPipes)
-{
-    for (const char* text : {"P5\n3 2\n255\nabcdef", "P2\n3 2\n255\n97 98 99\n100 101 102\n"}) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"P5\n3 2\n255\nabcdef", "defabc"}, // the last row comes first
+        {"P2\n3 2\n255\n97 98 99\n100 101 102\n", "defabc"},
+        {"P5\n2 1\n0\nab", "ab"}, // the largest value scales nothing
+        {"P5\n2 1\n100\nab", "ab"},
+        {"P2\n# one\n# two\n2 1\n# three\n255\n97 98", "ab"},
+    };
+    for (const auto& [text, bytes] : cases) {
         int ends[2];
         ASSERT_EQ(pipe(ends), 0);
         ASSERT_EQ(write(ends[1], text, std::strlen(text)), static_cast<ssize_t>(std::strlen(text)));
         close(ends[1]);
         EXPECT_TRUE(image.readPNM(("/dev/fd/" + std::to_string(ends[0])).c_str())) << text;
         close(ends[0]);
-        EXPECT_EQ(bytesOf(image), "defabc") << "the last row comes first";
+        EXPECT_EQ(bytesOf(image), bytes) << text;
     }
-}
-
-TEST_F(LicImageFiles, LargestValueScalesNothing)
-{
-    for (const char* largest : {"0", "100", "255"}) {
-        store(std::string("P5\n2 1\n") + largest + "\nab");
-        EXPECT_TRUE(image.readPNM(path.c_str())) << largest;
-        EXPECT_EQ(bytesOf(image), "ab");
-    }
-}
-
-TEST_F(LicImageFiles, HeadersMayHaveComments)
-{
-    store("P2\n# one\n# two\n2 1\n# three\n255\n7 8");
-    EXPECT_TRUE(image.readPNM(path.c_str()));
-    EXPECT_EQ(bytesOf(image), "\x07\x08");
 }
 
 TEST_F(LicImageFiles, BrokenOnesAreRefused)
@@ -149,12 +139,9 @@ TEST_F(LicImageFiles, BrokenOnesAreRefused)
     const char* const broken[] = {
         "",
         "P5",
-        "P5\n",
         "P4\n1 1\n1\nx",
         "Q5\n1 1\n255\nx",
-        "\n",
         "P5\n# no end",
-        "P5\n3\n",
         "P5\n3 x\n255\nabc",
         "P5\n2 2\n255\nabc",
         "P5\n-2 2\n255\nabcd",

@@ -67,6 +67,8 @@ TEST(LicImage, WrapsOrOwnsItsMemory)
     EXPECT_EQ(memory, (Bytes{0, 0, 0, 9, 0, 0, 0, 9})) << "the gaps are the caller's";
     EXPECT_EQ(bytesOf(copy), (Bytes{1, 2, 3, 4, 5, 6})) << "a copy is deep";
     EXPECT_EQ(copy.stride, 3);
+    LicImage moved = std::move(wrapped);
+    EXPECT_EQ(moved.data, memory.data()) << "what takes another's place wraps what that one wrapped";
 
     const LicImage own(3, 2, 2, 100, nullptr);
     EXPECT_NE(own.buffer, nullptr);
@@ -74,18 +76,6 @@ TEST(LicImage, WrapsOrOwnsItsMemory)
     LicImage huge;
     EXPECT_FALSE(huge.setSize(1 << 30, 1 << 30, 1 << 30));
     EXPECT_EQ(huge.width, 0);
-}
-
-TEST(LicImage, KeepsItsMemoryWhenItTakesAnothersPlace)
-{
-    std::mt19937 random(8);
-    LicImage own = noise(5, 4, 1, random);
-    const Bytes bytes = bytesOf(own);
-    const unsigned char* const memory = own.data;
-    LicImage taken = std::move(own), assigned = noise(9, 9, 3, random);
-    assigned = std::move(taken);
-    EXPECT_EQ(assigned.data, memory);
-    EXPECT_EQ(bytesOf(assigned), bytes);
 }
 
 /// What each operation with a result does to it.
@@ -132,9 +122,12 @@ TEST(LicImage, WritesResultsWhereTheyBelong)
             EXPECT_EQ(bytesOf(smaller.image), bytesOf(expected));
             EXPECT_EQ(smaller.memory, before) << "one of another size is left alone";
 
-            LicImage inPlace = source;
+            LicImage inPlace = source, itself = source;
             o.run(inPlace, nullptr);
             EXPECT_EQ(bytesOf(inPlace), bytesOf(expected));
+            o.run(itself, &itself);
+            EXPECT_EQ(bytesOf(itself), bytesOf(expected));
+            EXPECT_EQ(itself.channels, expected.channels);
         }
 }
 
@@ -211,9 +204,6 @@ TEST(LicImage, TurnsColorsToGray)
             EXPECT_NEAR(gray.data[i], (30 * c[0] + 59 * c[1] + 11 * c[2]) / 100, 1);
             EXPECT_LE(gray.data[i], 0.3 * c[0] + 0.59 * c[1] + 0.11 * c[2]) << "cut, not rounded";
         }
-        color.colorToGray(&color);
-        EXPECT_EQ(color.channels, 1);
-        EXPECT_EQ(bytesOf(color), bytesOf(gray));
     }
 }
 
@@ -249,8 +239,7 @@ TEST(LicImage, BlursLikeAGaussian)
     for (const auto& [width, height] : sizes)
         for (const int channels : {1, 3})
             for (const int size : {1, 2, 4, 8, 13}) {
-                const Wrapped source(noise(width, height, channels, random), 3);
-                LicImage image = source.image, result;
+                LicImage image = noise(width, height, channels, random), result;
                 ASSERT_EQ(image.gaussBlur(size, &result), 1);
                 for (int y = 0; y < height; ++y)
                     for (int i = 0; i < width * channels; ++i)
@@ -258,10 +247,6 @@ TEST(LicImage, BlursLikeAGaussian)
                         ASSERT_NEAR(result.row(y)[i], blurredAt(image, size, i / channels, y, i % channels),
                                     1.1)
                             << width << " x " << height << ", size " << size;
-                Wrapped inPlace(source.image, 7);
-                inPlace.image.gaussBlur(size, &inPlace.image);
-                EXPECT_EQ(bytesOf(inPlace.image), bytesOf(result));
-                EXPECT_TRUE(inPlace.areGapsIntact());
             }
 }
 
@@ -340,8 +325,6 @@ TEST(LicImage, FillsConnectedPixels)
         EXPECT_EQ(image.floodFill(x, y, 9, box, &result), count);
         EXPECT_EQ(bytesOf(result), bytesOf(expected));
         EXPECT_TRUE(std::equal(box, box + 4, expectedBox));
-        EXPECT_EQ(image.floodFill(x, y, 9, nullptr, nullptr), count) << "in place";
-        EXPECT_EQ(bytesOf(image), bytesOf(expected));
     }
 }
 
