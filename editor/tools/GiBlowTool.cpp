@@ -1,7 +1,6 @@
 #include "tools/GiBlowTool.h"
 
 #include "core/Gi.h"
-#include "core/GiAction.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "hx/HxResource.h"
@@ -126,22 +125,12 @@ const McBlowCurve* GiBlowTool::shownCurve() const
     return region->curves[std::min(timeStep, region->curves.size() - 1)];
 }
 
-/// Takes back the step of a gesture that has changed nothing, unless others came after it.
-void GiBlowTool::dropUndoStep()
-{
-    const McHandle<GiAction> step = std::exchange(undoStep, nullptr);
-    if (!step || gi->undoActions.isEmpty() || gi->undoActions.last() != step) return;
-    gi->undoActions.pop();
-    step->unref(); // for the list
-    gi->updateUndoSensitivity();
-}
-
 /// Ends the gesture and takes the curve off the screen.
 void GiBlowTool::abandon()
 {
     dragging = false;
     showCurve = false;
-    dropUndoStep();
+    undoStep.drop(*gi);
     gi->redraw();
 }
 
@@ -189,7 +178,7 @@ void GiBlowTool::press(GiFrameBuffer& frameBuffer, const McEvent& event)
     if (!image || !image->grey || image->width < 1 || image->height < 1) return;
     getParams();
     gi->saveUndoInformationForSlice(1, 0, frameBuffer.viewer); // selection, not labels
-    undoStep = gi->undoActions.isEmpty() ? nullptr : gi->undoActions.last();
+    undoStep.open(*gi);
     region.reset(); // before the new one takes its memory
     region = std::make_unique<McBlowRegion>(static_cast<int>(image->width), static_cast<int>(image->height),
                                             image->grey, kGrowOnly, gaussWidth);
@@ -261,9 +250,7 @@ void GiBlowTool::handleMouseUp()
     dragging = false;
     showCurve = false;
     // Undo in the middle of the gesture has taken its step away.
-    const McHandle<GiAction> step = std::exchange(undoStep, nullptr);
-    if (gi->undoActions.isEmpty() || gi->undoActions.last() != step)
-        gi->saveUndoInformationForSlice(1, 0, viewer);
+    if (!std::exchange(undoStep, {}).isNewest(*gi)) gi->saveUndoInformationForSlice(1, 0, viewer);
     GiSelection2D* selection = viewer->getSelection();
     const McBlowCurve* curve = shownCurve();
     if (selection && curve)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "mc/McBox.h"
-#include "mc/McHandle.h"
 #include "mc/McVec.h"
+#include "tools/GiGestureStep.h"
 #include "tools/GiTool.h"
 #include "tools/mcBlowCurve.h"
 
@@ -12,7 +12,6 @@
 
 #include <memory>
 
-class GiAction;
 class GiViewer;
 class McBlowRegion;
 
@@ -56,7 +55,6 @@ private:
     void keepUpWithZoom(const GiFrameBuffer& frameBuffer);
     void redraw(GiFrameBuffer& frameBuffer);
     void handleMouseUp();
-    void dropUndoStep();
     void abandon();
 
     std::unique_ptr<McBlowRegion> region; // of the last gesture
@@ -74,5 +72,5 @@ private:
     int gaussWidth = 4;
     GiViewer* viewer = nullptr; // of the gesture, with its slice; not to be used before isOnItsSlice()
     int orientation = 0, slice = 0;
-    McHandle<GiAction> undoStep; // that the press has opened
+    GiGestureStep undoStep; // that the press has opened
 };

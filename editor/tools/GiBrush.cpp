@@ -98,7 +98,7 @@ void GiBrush::keepUpWithButton(const McEvent& event)
     const bool begins = McMouseButtonEvent::isButtonPressEvent(&event, kLeft);
     const bool ends = McMouseButtonEvent::isButtonReleaseEvent(&event, kLeft) ||
                       (event.as<McMotionEvent>() && !event.left); // also if nobody saw the release
-    if (begins) strokeStep = nullptr;
+    if (begins) strokeStep.forget();
     if (begins || ends) isPressed = begins;
 }
 
@@ -153,13 +153,13 @@ void GiBrush::release(GiFrameBuffer& frameBuffer, McEvent& event, McBox2i& repai
         drawing = 1; // what follows treats the polygon as the stroke that it has become
     }
     if (points.isEmpty()) gi->touchData(1, 0, viewer->getOrientation(), viewer->getSlice(), 0, 0);
-    strokeStep = nullptr;
+    strokeStep.forget();
 }
 
 void GiBrush::startInteraction(GiViewer* inViewer)
 {
     gi->saveUndoInformationForSlice(1, 0, inViewer); // selection, not labels
-    strokeStep = gi->undoActions.isEmpty() ? nullptr : gi->undoActions.last();
+    strokeStep.open(*gi);
     strokeOrientation = inViewer->getOrientation();
     strokeSlice = inViewer->getSlice();
 }
@@ -168,11 +168,9 @@ void GiBrush::startInteraction(GiViewer* inViewer)
 /// image has made none, and keys can undo, change the selection or go to another slice in mid-stroke.
 void GiBrush::openStep()
 {
-    const bool isNewest =
-        strokeStep && !gi->undoActions.isEmpty() && gi->undoActions.last() == strokeStep.get();
     const bool holdsSlice =
         viewer->getOrientation() == strokeOrientation && viewer->getSlice() == strokeSlice;
-    if (!isNewest || !holdsSlice) startInteraction(viewer);
+    if (!strokeStep.isNewest(*gi) || !holdsSlice) startInteraction(viewer);
 }
 
 void GiBrush::finishInteraction(GiFrameBuffer* frameBuffer, McEvent* event)
@@ -231,7 +229,7 @@ void GiBrush::renderPolygon(GiFrameBuffer& frameBuffer) const
 void GiBrush::deselect(GiFrameBuffer* frameBuffer)
 {
     isPressed = false;
-    strokeStep = nullptr;
+    strokeStep.forget();
     if (!frameBuffer || mousePos.x < kSomewhere) return;
     drawing = 1;
     const McBox2i box = penBox(mousePos, brushWidth, brushHeight);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "core/GiAction.h"
 #include "mc/McBox.h"
 #include "mc/McDArray.h"
-#include "mc/McHandle.h"
 #include "mc/McVec.h"
+#include "tools/GiGestureStep.h"
 #include "tools/GiTool.h"
 
 #include <QCheckBox>
@@ -99,7 +98,7 @@ private:
     int drawing = 0;        // the left button is down
     bool isPressed = false; // and went down on this tool, be it beside the image
     // The undo step of the stroke, and what it holds; null: none yet.
-    McHandle<GiAction> strokeStep;
+    GiGestureStep strokeStep;
     int strokeOrientation = 0, strokeSlice = 0;
     int brushWidth = 25, brushHeight = 25;
     McVec2i mousePos{kNowhere, kNowhere};

@@ -3,7 +3,6 @@
 #include "tools/GiLasso.h"
 
 #include "core/Gi.h"
-#include "core/GiAction.h"
 #include "display/GiFrameBuffer.h"
 #include "display/GiViewer.h"
 #include "hx/HxResource.h"
@@ -126,14 +125,14 @@ void GiLasso::appendPoint(const GiFrameBuffer& buffer, const McVec2i& at)
 void GiLasso::finishInteraction(GiFrameBuffer& buffer)
 {
     if (path.isEmpty()) {
-        undoStep = nullptr;
+        undoStep.forget();
         return;
     }
     const bool selects = buffer.selection && path.size() >= kFewestPoints;
     McDArray<McVec2f> centres;
     try {
         // Another undo or another slice in mid-gesture: the slice that changes now gets its own step.
-        const bool undoStands = isNewestStep() && undoSlice == buffer.viewer->getSlice();
+        const bool undoStands = undoStep.isNewest(*gi) && undoSlice == buffer.viewer->getSlice();
         if (selects && !undoStands) saveUndo(*buffer.viewer);
         centres.resize(pathPixels.size());
     } catch (const McMemoryException&) {
@@ -150,13 +149,13 @@ void GiLasso::finishInteraction(GiFrameBuffer& buffer)
         selectOutline(buffer, centres, selectionMode);
     else
         gi->redraw(); // the marks go
-    undoStep = nullptr;
+    undoStep.forget();
 }
 
 /// outline  in pixels of the slice
 void GiLasso::selectOutline(GiFrameBuffer& buffer, const McDArray<McVec2f>& outline, GiSelectMode mode)
 {
-    undoStep = nullptr; // what it holds is the past from now on: the step stays
+    undoStep.forget(); // what it holds is the past from now on: the step stays
     try {
         McBitfield mask;
         if (gi->getMask(&buffer, mask))
@@ -181,23 +180,8 @@ void GiLasso::showSelection(GiFrameBuffer& buffer)
 void GiLasso::saveUndo(GiViewer& viewer)
 {
     gi->saveUndoInformationForSlice(1, 0, &viewer); // selection, not labels
-    undoStep = gi->undoActions.isEmpty() ? nullptr : gi->undoActions.last();
+    undoStep.open(*gi);
     undoSlice = viewer.getSlice();
-}
-
-bool GiLasso::isNewestStep() const
-{
-    return undoStep && !gi->undoActions.isEmpty() && gi->undoActions.last() == undoStep.get();
-}
-
-/// The step of an outline that has not changed anything: undoing it would seem to do nothing.
-void GiLasso::dropUndo()
-{
-    if (isNewestStep()) {
-        gi->undoActions.pop()->unref();
-        gi->updateUndoSensitivity();
-    }
-    undoStep = nullptr;
 }
 
 // What is on screen
@@ -270,7 +254,7 @@ void GiLasso::abandon()
     GiFrameBuffer* marked[] = {std::exchange(frameBuffer, nullptr), std::exchange(shapeBuffer, nullptr)};
     path.clear();
     pathPixels.clear();
-    dropUndo();
+    undoStep.drop(*gi); // the outline has changed nothing
     stopTracing();
     ellipseActive = rectangleActive = false;
     for (GiFrameBuffer* buffer : marked) {

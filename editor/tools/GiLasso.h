@@ -3,8 +3,8 @@
 #include "core/GiSelection2D.h"
 #include "mc/McBox.h"
 #include "mc/McDArray.h"
-#include "mc/McHandle.h"
 #include "mc/McVec.h"
+#include "tools/GiGestureStep.h"
 #include "tools/GiTool.h"
 #include "tools/IScissors.h"
 
@@ -13,7 +13,6 @@
 #include <QObject>
 #include <QPointer>
 
-class GiAction;
 class GiGreyImage;
 class GiScreenOutline;
 class GiViewer;
@@ -139,8 +138,6 @@ private:
     void selectOutline(GiFrameBuffer& buffer, const McDArray<McVec2f>& outline, GiSelectMode mode);
     void showSelection(GiFrameBuffer& buffer);
     void saveUndo(GiViewer& viewer);
-    bool isNewestStep() const;
-    void dropUndo();
     void abandon();
     bool isGone(const GiFrameBuffer* buffer) const;
     void enableBoxes();
@@ -153,7 +150,7 @@ private:
     View pathView;
     McVec2i pathZoom; // zoomed size that `path` is for
     // The undo step of the outline, and its slice: what goes on meanwhile can take it away.
-    McHandle<GiAction> undoStep;
+    GiGestureStep undoStep;
     int undoSlice = 0;
 
     bool autoTrace = false;
