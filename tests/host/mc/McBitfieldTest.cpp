@@ -74,22 +74,6 @@ TEST_P(McBitfieldOfSize, ShrinksWithinAWordWithoutStrayBits)
 INSTANTIATE_TEST_SUITE_P(WordBorders, McBitfieldOfSize,
                          testing::Values(1, 31, 32, 33, 63, 64, 65, 127, 128, 129, 16384, 100003));
 
-TEST(McBitfield, CopiesOwnTheirBits)
-{
-    std::mt19937 random(11);
-    for (unsigned long n : {0ul, 5ul, 64ul, 1000ul}) {
-        for (unsigned long former : {0ul, 7ul, 65ul, 1001ul}) {
-            const McBitfield source = randomField(n, random);
-            McBitfield target = randomField(former, random);
-            target = source;
-            EXPECT_EQ(target, source);
-            EXPECT_TRUE(paddingIsClear(McBitfield(target)));
-            target.resize(0);
-            EXPECT_EQ(target.numWords(), 0u);
-        }
-    }
-}
-
 TEST(McBitfield, ReportsAbsurdSizesAndIsEmptyThen)
 {
     for (unsigned long bits : {std::numeric_limits<unsigned long>::max(), 1ul << 62}) {

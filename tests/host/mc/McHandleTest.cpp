@@ -1,6 +1,5 @@
 #include "mc/McHandle.h"
 #include "mc/McHandable.h"
-#include "mc/McInterface.h"
 #include "mc/McTypeId.h"
 
 #include <gtest/gtest.h>
@@ -24,37 +23,6 @@ public:
 
 private:
     std::string& diary;
-};
-
-class Lattice : public McInterface
-{
-public:
-    explicit Lattice(McInterfaceOwner* object) : holder(object) {}
-    McInterfaceOwner* owner() const override { return holder; }
-
-private:
-    McInterfaceOwner* holder;
-};
-
-class FineLattice : public Lattice
-{
-public:
-    using Lattice::Lattice;
-};
-
-class Unoffered : public McInterface
-{
-};
-
-class Field : public McInterfaceOwner
-{
-public:
-    McInterface* getInterface(McTypeId type) override
-    {
-        return type == McTypeId::of<Lattice>() || type == McTypeId::of<FineLattice>() ? &lattice : nullptr;
-    }
-
-    FineLattice lattice{this};
 };
 
 struct Root
@@ -100,15 +68,6 @@ TEST(McHandle, StackObjectsAndCopiesCountApart)
         EXPECT_EQ(first.refCount(), 1);
     }
     EXPECT_EQ(log, "deleted deleted ") << "nobody counted them down to 0";
-}
-
-TEST(McInterface, CastFindsWhatAnObjectOffers)
-{
-    Field field;
-    EXPECT_EQ(mcinterface_cast<Lattice>(&field), &field.lattice);
-    EXPECT_EQ(mcinterface_cast<FineLattice>(&field)->owner(), &field);
-    EXPECT_EQ(mcinterface_cast<Unoffered>(&field), nullptr);
-    EXPECT_EQ(mcinterface_cast<Lattice>(nullptr), nullptr);
 }
 
 TEST(McTypeId, KnowsTheChainOfBasesHoweverLateItIsDeclared)
