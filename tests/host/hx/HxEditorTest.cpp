@@ -1,6 +1,5 @@
 #include "hx/HxEditor.h"
 #include "hx/HxColormap.h"
-#include "hx/HxInterpreter.h"
 #include "hx/HxLineSet.h"
 #include "hx/HxLineSetInterface.h"
 #include "hx/HxObjectPool.h"
@@ -9,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tcl.h>
 
 namespace {
 
@@ -105,17 +103,6 @@ TEST_F(HxEditorTest, RemovalFromThePoolDetaches)
     HxObjectPool::getThePool()->removeObject(removed);
     EXPECT_EQ(log, "+editorTestFirst-editorTestFirst~");
     HxObjectPool::getThePool()->removeObject(second);
-}
-
-TEST_F(HxEditorTest, ServesTheBaseCommandsAndRefusesOthers)
-{
-    const McHandle<TestEditor> editor = newEditor();
-    editor->setLabel("editorTestEditor");
-    McString result;
-    HxInterpreter* tcl = HxInterpreter::getTheInterpreter();
-    EXPECT_EQ(tcl->eval("editorTestEditor label", result), TCL_OK);
-    EXPECT_STREQ(result, "editorTestEditor");
-    EXPECT_EQ(tcl->eval("editorTestEditor fly", result), TCL_ERROR);
 }
 
 /// A mode that writes down its calls and what runs at that time.

@@ -285,6 +285,7 @@ TEST(HxLabelFieldCreate, MakesTheFieldThatFitsTheCoordinates)
         EXPECT_EQ(offered->owner(), field.get());
     }
     EXPECT_EQ(mcinterface_cast<HxLabelLattice>(&image), nullptr);
+    EXPECT_EQ(mcinterface_cast<HxLattice3>(nullptr), nullptr);
     EXPECT_TRUE(field->getTypeId().isDerivedFrom(McTypeId::of<HxRegScalarField3>()));
     EXPECT_FALSE(field->getTypeId().isDerivedFrom(McTypeId::of<HxUniformLabelField3>()));
 }

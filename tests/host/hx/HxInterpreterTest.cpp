@@ -80,22 +80,6 @@ TEST(HxInterpreter, AFileTellsWhereItFailed)
     EXPECT_STREQ(tcl().errorText(), result) << "nothing is left of the error before";
 }
 
-TEST(HxInterpreter, QuitEndsAllLevelsPastCatch)
-{
-    // A process of its own: the request to quit cannot be taken back.
-    EXPECT_EXIT(
-        {
-            HxScriptCommands::add("interpreterTestQuit", "", "", [](Tcl_Interp*, int, const char* const*) {
-                tcl().requestQuit(7);
-                return TCL_OK;
-            });
-            evaluated("proc p {} {catch {interpreterTestQuit}; set ::survived 1; while 1 {}}; catch p; set "
-                      "survived 1");
-            _exit(tcl().getVar("survived") || !tcl().quitCode() ? 99 : *tcl().quitCode());
-        },
-        testing::ExitedWithCode(7), "");
-}
-
 TEST(HxScript, SetsAndAppendsFormattedResults)
 {
     const std::string big(70000, 'y');
@@ -233,17 +217,6 @@ TEST_F(HxScriptSocketTest, WaitsUntilTheBusyPhaseEnds)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     EXPECT_TRUE(reply.get());
     EXPECT_STREQ(tcl().getVar("socketTestBusy"), "done");
-}
-
-TEST_F(HxScriptSocketTest, NobodyListeningIsOneSentence)
-{
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    const int port = server.serverPort();
-    server.close();
-    McString answer;
-    EXPECT_FALSE(HxScriptSocket::send("set a 1", "127.0.0.1", port, answer));
-    EXPECT_NE(std::string(answer.c_str()).find(std::to_string(port)), std::string::npos) << answer.c_str();
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "hx/HxColormap.h"
 #include "hx/HxCompModule.h"
 #include "hx/HxInterpreter.h"
 #include "hx/HxLineSet.h"
@@ -195,13 +194,6 @@ TEST_F(HxPool, ALabelStaysTakenWhenAScriptRedefinesItsCommand)
     onTheStack.setLabel("stacked");
     EXPECT_EQ(HxInterpreter::getTheInterpreter()->eval("stacked label", result), TCL_OK)
         << "an object that nobody counts survives its own command";
-}
-
-TEST_F(HxPool, NamelessObjectsAreNamedByTheirClass)
-{
-    auto* map = new HxColormap;
-    pool().addObject(map);
-    EXPECT_STREQ(map->getLabel(), "HxColormap");
 }
 
 TEST(HxComposeLabel, ReplacesTheLastSuffix)

@@ -99,17 +99,6 @@ TEST_F(HxViewerPanelTest, ADeletedPanelIsForgottenByItsViewers)
     EXPECT_EQ(c->getPanelBase(), nullptr);
 }
 
-TEST_F(HxViewerPanelTest, InstallingAToolDoesNotActivateIt)
-{
-    const McHandle<TestModal> tool = new TestModal("Pan", log);
-    a->activateTool(tool);
-    a->activateTool(tool);
-    EXPECT_EQ(a->activeTool(), tool.get());
-    a->activateTool(nullptr);
-    EXPECT_EQ(a->activeTool(), nullptr);
-    EXPECT_EQ(log, "");
-}
-
 TEST_F(HxViewerPanelTest, APressRunsTheReplacementOfTheActiveViewer)
 {
     const McHandle<HxViewerTool> home = new TestTrigger("Home", log);

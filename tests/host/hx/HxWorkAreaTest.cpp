@@ -65,18 +65,6 @@ TEST_F(HxWorkAreaTest, OnlyTheOutermostBracketShows)
     EXPECT_EQ(view.log, "+outer|inner%25%100-");
 }
 
-TEST_F(HxWorkAreaTest, ForgottenBracketsAreClosedToANotedDepth)
-{
-    area.busyOn("outer");
-    const int noted = area.busyDepth();
-    area.busyOn("left open");
-    area.busyOn("left open too");
-    area.restoreBusyDepth(noted);
-    EXPECT_EQ(area.busyDepth(), 1);
-    area.restoreBusyDepth(5);
-    EXPECT_EQ(area.busyDepth(), 1) << "never opens one";
-}
-
 TEST_F(HxWorkAreaTest, TheNthTestInterruptsAndHoldsUntilTheOutermostEnd)
 {
     area.interruptAfter(3);
