@@ -25,20 +25,26 @@ protected:
     {
         hxRegisterFileFormats();
         HxSettingsMgr::useMemoryStore();
-        window = std::make_unique<HxMain>();
+        openWindow();
         HxMessage::setDialogHandler([this](const HxDialogRequest& request) {
             dialogs.push_back(request.text);
             return answer >= 0 ? answer : request.escapeIndex;
         });
-        HxMessage::setSink([](const char*) {});
-        window->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
     }
     ~MainWindow() override
     {
         HxObjectPool::getThePool()->clear();
         window.reset();
         HxSettingsMgr::useMemoryStore();
+    }
+
+    void openWindow()
+    {
+        window.reset();
+        window = std::make_unique<HxMain>();
+        HxMessage::setSink([](const char*) {});
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
     }
 
     /// A label field of 2 x 3 x 4 voxels in the pool.

@@ -95,14 +95,7 @@ protected:
 class PaintTest : public ModeTest
 {
 protected:
-    PaintTest()
-    {
-        window.reset();
-        window = std::make_unique<HxMain>();
-        HxMessage::setSink([](const char*) {});
-        window->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-    }
+    PaintTest() { openWindow(); }
 };
 
 TEST_F(ModeTest, TheGuideOfAnEditorInTheNormalWindowOpens)

@@ -183,20 +183,20 @@ TEST_F(UnsavedDataTest, TheSaveDialogProposesThePlaceOfTheObjectAndOnlyWhatCanBe
 TEST_F(UnsavedDataTest, RemovingByHandAsksAndByScriptDoesNot)
 {
     HxUniformLabelField3* labels = addLabels("a.nrrd");
+    HxUniformLabelField3* other = addLabels("b.nrrd");
     editLabels(labels);
+    editLabels(other);
     window->workspace()->select(labels);
     answer = kCancel;
     auto* list = child<QListWidget>("objectList");
     QTest::keyClick(list, Qt::Key_Delete);
     EXPECT_EQ(dialogs.size(), 1u);
-    EXPECT_EQ(list->count(), 1);
+    EXPECT_EQ(list->count(), 2);
     answer = kDiscard;
     QTest::keyClick(list, Qt::Key_Delete);
-    EXPECT_EQ(list->count(), 0);
-    EXPECT_EQ(HxObjectPool::getThePool()->size(), 0);
+    EXPECT_EQ(list->count(), 1);
+    EXPECT_EQ(HxObjectPool::getThePool()->object(0), other);
 
-    HxUniformLabelField3* other = addLabels("b.nrrd");
-    editLabels(other);
     HxObjectPool::getThePool()->removeObject(other);
     EXPECT_EQ(dialogs.size(), 2u);
 }

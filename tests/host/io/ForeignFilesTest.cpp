@@ -192,20 +192,13 @@ TEST_F(ForeignFiles, MetaImagePackedInTextAndInSlices)
     }
 }
 
-TEST_F(ForeignFiles, ABrainTemplateSurvivesEveryFormat)
+TEST_F(ForeignFiles, ABrainTemplateLiesWhereItsHeaderSays)
 {
     const std::string file = "/usr/share/mricron/templates/ch2.nii.gz";
     ASSERT_TRUE(std::filesystem::exists(file)) << file << " is missing; scripts/setup installs it.";
     const Field brain = load(file);
     ASSERT_TRUE(brain) << error;
     EXPECT_THAT(boxOf(brain), ElementsAre(90, 270, 125, 341, -71, 109));
-    for (const char* suffix : {".nrrd", ".mha", ".nii", ".nii.gz"}) {
-        ASSERT_TRUE(save(brain, path(std::string("brain") + suffix))) << error;
-        const Field again = load(path(std::string("brain") + suffix));
-        expectSameVoxels(brain, again);
-        EXPECT_EQ(boxOf(brain), boxOf(again));
-        EXPECT_EQ(numbers(brain, "Directions", 9), numbers(again, "Directions", 9));
-    }
 }
 
 } // namespace

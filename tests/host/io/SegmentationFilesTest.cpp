@@ -315,11 +315,9 @@ TEST_F(SegmentationFiles, LabelsOfImagesAreWholeNumbersTo255)
         for (int i = 0; i < 30; ++i) {
             const int v = i == 29 ? 4 : i % 3;
             void* data = image->lattice()->dataPtr();
-            if (code == 0) static_cast<unsigned char*>(data)[i] = static_cast<unsigned char>(v);
-            if (code == 1 || code == 7) static_cast<short*>(data)[i] = static_cast<short>(v);
-            if (code == 2 || code == 8) static_cast<int*>(data)[i] = v;
-            if (code == 3) static_cast<float*>(data)[i] = static_cast<float>(v);
-            if (code == 4) static_cast<double*>(data)[i] = v;
+            mcDispatch(code, [&](auto* tag) {
+                static_cast<decltype(tag)>(data)[i] = static_cast<std::remove_pointer_t<decltype(tag)>>(v);
+            });
         }
         ASSERT_TRUE(save(image, path("i.nii"))) << error;
         const Field field = load(path("i.nii"), true);
