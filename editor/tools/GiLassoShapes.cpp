@@ -152,9 +152,10 @@ void GiLasso::stopRectangle(const McVec2i& pixel, GiSelectMode mode)
 
 void GiLasso::beginShape(GiFrameBuffer& buffer, const McVec2i& pixel)
 {
+    // A second press without a release in between, which nobody saw: the marks of the former shape go.
+    if (shapeBuffer != &buffer) shapeBox = McBox2i();
     shapeBuffer = &buffer;
     shapeView = viewOf(buffer);
-    shapeBox = McBox2i();
     moveShape(pixel);
 }
 
