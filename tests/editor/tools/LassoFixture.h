@@ -1,26 +1,12 @@
 #pragma once
 
-#include "editor/display/DrawnEditor.h"
-#include "editor/tools/ViewerEvents.h"
+#include "editor/tools/ToolOnSlice.h"
 
 #include "tools/GiLasso.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
 #include <vector>
-
-using Pixels = std::vector<bool>;
-
-inline Pixels pixelsOf(GiViewer& viewer)
-{
-    const GiSelection2D& slice = *viewer.getSelection();
-    Pixels pixels;
-    for (int y = 0; y < static_cast<int>(slice.height); ++y)
-        for (int x = 0; x < static_cast<int>(slice.width); ++x) pixels.push_back(slice.isSet(x, y));
-    return pixels;
-}
 
 /// Even-odd over all pixels, one by one. A centre on an edge counts, but not at the lower end of the polygon.
 class PlainPolygon
@@ -55,23 +41,6 @@ private:
     std::vector<McVec2f> points;
 };
 
-struct Keys
-{
-    bool shift = false, ctrl = false, alt = false;
-};
-
-template <class Event>
-Event with(Event event, const Keys& keys)
-{
-    event.shift = keys.shift;
-    event.ctrl = keys.ctrl;
-    event.alt = keys.alt;
-    return event;
-}
-
-inline constexpr Keys kNoKeys, kAlt{false, false, true}, kShift{true, false, false},
-    kCtrl{false, true, false};
-
 /// What the selection has to be, pixel by pixel.
 inline void expectPixels(GiViewer& viewer, const Pixels& before, const PlainPolygon& polygon,
                          const Keys& keys, const McBitfield* mask)
@@ -89,19 +58,15 @@ inline void expectPixels(GiViewer& viewer, const Pixels& before, const PlainPoly
     }
 }
 
-/// The lasso over a slice of 40 x 30 pixels of 4 x 4 on screen, in a volume of 8.
-class Lasso : public testing::Test
+/// The lasso with its gestures.
+class Lasso : public ToolOnSlice
 {
 protected:
-    Lasso() : editor(40, 30, 8)
+    Lasso()
+        : ToolOnSlice(GiLasso::kIndex),
+          lasso(dynamic_cast<GiLasso*>(editor.gi.tools[GiLasso::kIndex])),
+          clean(pictureOf(buffer()))
     {
-        editor.gi.setVolumeByte(editor.dims, 40, image.data(), editor.lattice());
-        lasso = dynamic_cast<GiLasso*>(editor.gi.tools[GiLasso::kIndex]);
-        editor.gi.setTool(GiLasso::kIndex);
-        editor.gi.setZoomFactor(4);
-        editor.gi.clearUndo(1);
-        editor.gi.touches.clear();
-        clean = pictureOf(buffer());
     }
 
     // All at the centre of a pixel of the XY slice.
@@ -121,51 +86,21 @@ protected:
     {
         return send(with(motionEvent(0, 4 * x + 2, 4 * y + 2), keys));
     }
-    void click(int x, int y, const Keys& keys)
+    /// As a hand makes it: the pointer comes along.
+    void click(int x, int y, const Keys& keys = {})
     {
         hover(x, y, keys);
         press(x, y, keys);
         release(x, y, keys);
     }
-    int pressEscape(int viewer = 2)
-    {
-        McKeyboardEvent event;
-        event.key = McKeyboardEvent::kEscape;
-        event.released = 0;
-        return send(event, viewer);
-    }
+    int pressEscape(int viewer = 2) { return send(keyEvent(McKeyboardEvent::kEscape, true), viewer); }
     int releaseAlt(bool leftIsHeld = false, int viewer = 2)
     {
-        McKeyboardEvent event;
-        event.key = McKeyboardEvent::kAltLeft;
-        event.released = 1;
+        McKeyboardEvent event = keyEvent(McKeyboardEvent::kAltLeft, false);
         event.left = leftIsHeld;
         return send(event, viewer);
     }
-    template <class Event>
-    int send(Event event, int viewer = 2)
-    {
-        const int result = editor.buffer(viewer).handleEvent(&event);
-        // What boxes have drawn must be the whole picture.
-        for (int o = 0; o < 3; ++o) {
-            const std::vector<unsigned int> left = pictureOf(editor.buffer(o));
-            editor.buffer(o).render(nullptr);
-            EXPECT_TRUE(pictureOf(editor.buffer(o)) == left) << "viewer " << o;
-        }
-        return result;
-    }
-    GiMemoryFrameBuffer& buffer() { return editor.buffer(2); }
-    bool isSet(int x, int y) { return editor.viewer(2).getSelection()->isSet(x, y); }
-    long count(int viewer = 2)
-    {
-        const Pixels pixels = pixelsOf(editor.viewer(viewer));
-        return std::count(pixels.begin(), pixels.end(), true);
-    }
-    long orangePixels(int viewer = 2)
-    {
-        const auto pixels = pictureOf(editor.buffer(viewer));
-        return std::count(pixels.begin(), pixels.end(), 0xFFC000u);
-    }
+    long orangePixels(int viewer = 2) { return pixelsOfColor(0xFFC000, viewer); }
     /// A square of 10 x 10 pixels from (5, 5) on, without its last side.
     void openSquare()
     {
@@ -188,8 +123,6 @@ protected:
         return lasso->getWidget(nullptr)->findChild<QAbstractButton*>(name);
     }
 
-    DrawnEditor editor;
-    std::vector<unsigned char> image = std::vector<unsigned char>(40 * 30 * 8, 0);
     GiLasso* lasso;
     std::vector<unsigned int> clean;
 };

@@ -77,3 +77,31 @@ private:
 };
 
 using ToolImageTypes = testing::Types<unsigned char, short, unsigned short, int, unsigned int, float, double>;
+
+/// A viewer's slice shown anyhow: mirrored, zoomed, scrolled and masked, with any pixels selected.
+struct RandomView
+{
+    int orientation;
+    bool masks;
+    float window[2]; // of the mask
+
+    template <class T>
+    static RandomView show(DrawnEditor& editor, std::mt19937& random)
+    {
+        constexpr float kZooms[] = {0.2f, 0.5f, 1, 1.7f, 3, 6, 21};
+        const auto below = [&](unsigned int n) { return static_cast<int>(random() % n); };
+        RandomView view{below(3), random() % 2 == 0, {}};
+        ToolImage<T>::chooseWindow(random, view.window);
+        GiViewer& viewer = editor.viewer(view.orientation);
+        viewer.setFlip(below(2), below(2), below(2));
+        viewer.setZoomFactor(kZooms[below(7)]);
+        GiMemoryFrameBuffer& buffer = editor.buffer(view.orientation);
+        buffer.setWindowSize(McVec2i(30 + below(90), 30 + below(90)));
+        buffer.setOffset(McVec2i(below(40), below(40)));
+        viewer.setMaskingEnabled(view.masks);
+        viewer.setMaskingWindow(view.window[0], view.window[1], false);
+        for (unsigned long i = 0; i < editor.gi.selection->numWords(); ++i)
+            editor.gi.selection->bits.words()[i] = static_cast<unsigned int>(random());
+        return view;
+    }
+};
