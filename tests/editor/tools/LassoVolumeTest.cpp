@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <functional>
+#include <optional>
 
 namespace {
 
@@ -57,6 +58,17 @@ public:
             std::copy_n(q, 4, v);
         }
         return {(v[0] / v[3] + 1) / 2, (v[1] / v[3] + 1) / 2};
+    }
+    /// Whether a voxel is seen inside; nothing too close to the line to tell.
+    std::optional<bool> seesInside(DrawnEditor& editor, unsigned long voxel) const
+    {
+        const unsigned long nx = editor.dims[0], ny = editor.dims[1];
+        const McVec3f at = editor.lattice()->coords()->position(static_cast<int>(voxel % nx),
+                                                                static_cast<int>(voxel / nx % ny),
+                                                                static_cast<int>(voxel / (nx * ny)));
+        const double d = squaredDistance(seen(at));
+        if (std::fabs(d - 0.04) < 1e-5) return {};
+        return d < 0.04;
     }
     template <class T>
     static T squaredDistance(const McVec2<T>& p)
@@ -130,19 +142,15 @@ TYPED_TEST(LassoVolume, changesTheVoxelsThatAreSeenInsideOrOutside)
         EXPECT_EQ(editor.gi.touches, (std::vector<TestGi::Touch>{{1, 0, 0, -1, 0, 1}}));
         long numInside = 0;
         for (unsigned long i = 0; i < editor.size(); ++i) {
-            const int x = static_cast<int>(i % 13), y = static_cast<int>(i / 13 % 11),
-                      z = static_cast<int>(i / 143);
-            const double d =
-                DiscOutline::squaredDistance(outline.seen(editor.lattice()->coords()->position(x, y, z)));
-            if (std::fabs(d - 0.04) < 1e-5) continue; // too close to the line to tell
-            const bool inside = d < 0.04;
-            numInside += inside;
+            const std::optional<bool> inside = outline.seesInside(editor, i);
+            if (!inside) continue;
+            numInside += *inside;
             const bool compares = !masks || !std::is_same_v<TypeParam, unsigned int>;
             // Compared as floats, whatever the type.
             const bool accepted = !masks || image.acceptsAsFloat(i, window);
             ASSERT_EQ(editor.gi.selection->isSet(i),
-                      becomes(before[i], inside, accepted, outside, outline, compares))
-                << "voxel " << x << ' ' << y << ' ' << z;
+                      becomes(before[i], *inside, accepted, outside, outline, compares))
+                << "voxel " << i;
         }
         ASSERT_GT(numInside, 50);
         ASSERT_LT(numInside, 1000);
@@ -164,12 +172,11 @@ TEST(LassoVolumeCamera, inTheVolumeSeesWhatIsBehindItMirrored)
     outline.camera[3][2] = -kDepth;
     lasso->viewerSelect(outline);
     int behind = 0, before = 0;
-    for (int i = 0; i < static_cast<int>(editor.size()); ++i) {
-        const McVec3f at = editor.lattice()->coords()->position(i % 13, i / 13 % 11, i / 143);
-        const double d = DiscOutline::squaredDistance(outline.seen(at));
-        if (std::fabs(d - 0.04) < 1e-5) continue; // too close to the line to tell
-        ASSERT_EQ(editor.gi.selection->isSet(static_cast<unsigned long>(i)), d < 0.04) << "voxel " << i;
-        if (d < 0.04) ++(at.z > kDepth ? behind : before);
+    for (unsigned long i = 0; i < editor.size(); ++i) {
+        const std::optional<bool> inside = outline.seesInside(editor, i);
+        if (!inside) continue;
+        ASSERT_EQ(editor.gi.selection->isSet(i), *inside) << "voxel " << i;
+        if (*inside) ++(2 * (i / 143) > kDepth ? behind : before);
     }
     EXPECT_TRUE(behind > 2 && before > 2) << behind << ", " << before;
 }

@@ -83,25 +83,16 @@ TYPED_TEST(ThresholdOnImage, selectsWhatTheWindowHolds)
     }
 }
 
-TYPED_TEST(ThresholdOnImage, manyThreadsShareNoWord)
+TEST(ThresholdWindow, manyThreadsShareNoWord)
 {
     std::mt19937 random(5);
-    std::vector<TypeParam> values(40000 + 17);
-    for (TypeParam& v : values) v = static_cast<TypeParam>(random() % 5);
-    McBitfield one(values.size()), many(values.size());
+    std::vector<short> values(40000 + 17);
+    for (short& v : values) v = static_cast<short>(random() % 5);
+    McBitfield many(values.size());
     const float window[2] = {1, 3};
-    const int code = std::is_same_v<TypeParam, unsigned char>    ? 0
-                     : std::is_same_v<TypeParam, short>          ? 1
-                     : std::is_same_v<TypeParam, unsigned short> ? 2
-                     : std::is_same_v<TypeParam, int>            ? 3
-                     : std::is_same_v<TypeParam, unsigned int>   ? 4
-                     : std::is_same_v<TypeParam, float>          ? 5
-                                                                 : 6;
-    giSelectWindow(code, values.data(), window, nullptr, -1, one, 1);
-    giSelectWindow(code, values.data(), window, nullptr, -1, many, 7);
-    EXPECT_EQ(one, many);
+    giSelectWindow(1, values.data(), window, nullptr, -1, many, 7); // the code of short
     for (unsigned long i = 0; i < values.size(); ++i)
-        ASSERT_EQ(one.isSet(i), values[i] >= 1 && values[i] <= 3) << i;
+        ASSERT_EQ(many.isSet(i), values[i] >= 1 && values[i] <= 3) << i;
 }
 
 class ThresholdTool : public testing::Test
