@@ -145,8 +145,9 @@ TEST(LicImage, ReadsRowsOfTheImageThatItReplaces)
             EXPECT_EQ(owner.width, 9);
             EXPECT_EQ(bytesOf(owner), bytesOf(expected));
         }
-    LicImage owner = noise(17, 12, 1, random);
-    const LicImage part(9, 6, owner.stride, owner.row(3));
+    // A copy as large as the memory that goes with it may get that very memory.
+    LicImage owner = noise(18, 6, 1, random);
+    const LicImage part(9, 12, owner.data);
     const Bytes expected = bytesOf(part);
     owner = part;
     EXPECT_EQ(bytesOf(owner), expected);
