@@ -1,9 +1,9 @@
 // The blow tool in its viewers: gestures, what they select and draw, and what may come in between.
 
 #include "editor/display/DrawnEditor.h"
+#include "editor/tools/FailingShape.h"
 #include "editor/tools/ViewerEvents.h"
 
-#include "mc/McMemoryException.h"
 #include "tools/GiBlowTool.h"
 #include "tools/GiCrossHairTool.h"
 #include "tools/McBlowRegion.h"
@@ -346,17 +346,6 @@ TEST_F(BlowTool, TheMaskingWindowHasNoSay)
     EXPECT_EQ(selected(), filled(30, 25, 8));
     EXPECT_TRUE(viewer().getSelection()->isSet(30, 25));
 }
-
-/// Runs out of memory once.
-class FailingShape : public GiShape
-{
-public:
-    void render(GiFrameBuffer*, const McBox2i&) override
-    {
-        if (std::exchange(fails, false)) throw McMemoryException(1);
-    }
-    bool fails = false;
-};
 
 TEST_F(BlowTool, ALackOfMemoryEndsTheGesture)
 {
